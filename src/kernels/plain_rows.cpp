@@ -1,0 +1,109 @@
+#include "kernels/row_ops.h"
+
+static inline uint8_t reduce5(int a, int b, int c, int d, int e) {
+    return (uint8_t)((a + 4 * b + 6 * c + 4 * d + e + 8) >> 4);
+}
+
+static inline uint8_t expand3(int a, int b, int c) {
+    return (uint8_t)((a + 6 * b + c + 4) >> 3);
+}
+
+static inline uint8_t expand2(int b, int c) {
+    return (uint8_t)((4 * (b + c) + 4) >> 3);
+}
+
+template <int channels>
+static void reduce_row(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                       int32_t dst_width) {
+    const ptrdiff_t step = channels;
+    const ptrdiff_t last = (ptrdiff_t)dst_width - 1;
+    const bool folds = (int64_t)dst_width * 2 == src_width;  // no sample right of the last pair
+    for (ptrdiff_t k = 0; k < step; k++) {
+        const uint8_t* s = src + k;
+        dst[k] = reduce5(s[0], s[0], s[0], s[step], s[2 * step]);
+        for (ptrdiff_t i = 1; i < last; i++) {
+            s = src + 2 * i * step + k;
+            dst[i * step + k] = reduce5(s[-2 * step], s[-step], s[0], s[step], s[2 * step]);
+        }
+        s = src + 2 * last * step + k;
+        dst[last * step + k] =
+            reduce5(s[-2 * step], s[-step], s[0], s[step], s[folds ? step : 2 * step]);
+    }
+}
+
+static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    const ptrdiff_t last = 3 * ((ptrdiff_t)src_width - 1);
+    for (ptrdiff_t k = 0; k < 3; k++) {
+        dst[k] = expand3(src[k], src[k], src[3 + k]);
+        dst[3 + k] = expand2(src[k], src[3 + k]);
+        for (ptrdiff_t i = 3; i < last; i += 3) {
+            const uint8_t* s = src + i + k;
+            dst[2 * i + k] = expand3(s[-3], s[0], s[3]);
+            dst[2 * i + 3 + k] = expand2(s[0], s[3]);
+        }
+        const uint8_t* s = src + last + k;
+        dst[2 * last + k] = expand3(s[-3], s[0], s[0]);
+        dst[2 * last + 3 + k] = s[0];
+        if (dst_width > 2 * (int64_t)src_width) dst[2 * last + 6 + k] = s[0];
+    }
+}
+
+static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
+    for (size_t i = 0; i < bytes; i++) {
+        dst[i] = reduce5(taps[0][i], taps[1][i], taps[2][i], taps[3][i], taps[4][i]);
+    }
+}
+
+static void expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c,
+                        uint8_t* __restrict dst, size_t bytes) {
+    for (size_t i = 0; i < bytes; i++)
+        dst[i] = expand3(a[i], b[i], c[i]);
+}
+
+static void expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes) {
+    for (size_t i = 0; i < bytes; i++)
+        dst[i] = expand2(b[i], c[i]);
+}
+
+static void subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        dst[i] = (int16_t)(a[i] - b[i]);
+}
+
+static void widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        dst[i] = src[i];
+}
+
+static void blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                  size_t pixels) {
+    for (size_t p = 0; p < pixels; p++) {
+        const int32_t m = mask[p];
+        for (size_t i = 3 * p; i < 3 * p + 3; i++) {
+            dst[i] = (int16_t)((m * a[i] + (255 - m) * b[i] + 128) >> 8);
+        }
+    }
+}
+
+static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
+                     size_t count) {
+    for (size_t i = 0; i < count; i++) {
+        const int16_t sum = (int16_t)(uint16_t)(lap[i] + base[i]);
+        dst[i] = (uint8_t)(sum < 0 ? 0 : (sum > 255 ? 255 : sum));
+    }
+}
+
+static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
+    for (size_t i = 0; i < count; i++)
+        dst[i] = (uint8_t)src[i];
+}
+
+const row_ops plain_rows = {
+    reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column, expand_even, expand_odd,
+    subtract,      widen,         blend,         collapse,      narrow,
+};
+
+const row_ops* active_rows(void) {
+    return &plain_rows;
+}

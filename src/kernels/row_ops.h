@@ -1,0 +1,68 @@
+// The arithmetic of the pyramids, one row at a time.
+//
+// Every kernel, whole-plane or band, is a walk over rows that calls these operations, so each
+// formula exists once for a plain path and once for a vector path. `active_rows` chooses between
+// them.
+//
+// Rows are packed. Unless said otherwise, the operands of one call have equal lengths, outputs do
+// not overlap inputs, and nothing outside the given lengths is read or written.
+#ifndef IMAGEBLEND_KERNELS_ROW_OPS_H
+#define IMAGEBLEND_KERNELS_ROW_OPS_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+typedef struct row_ops {
+    // 2:1 reduction of a row of `src_width` pixels to `dst_width`, 2 <= dst_width <= src_width / 2:
+    //   dst[i] = (s[2i-2] + 4 s[2i-1] + 6 s[2i] + 4 s[2i+1] + s[2i+2] + 8) >> 4
+    // with positions clamped to the row. c3: three interleaved channels, c1: one.
+    void (*reduce_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width);
+    void (*reduce_row_c1)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width);
+
+    // 1:2 expansion of a row of `src_width` >= 2 pixels of three channels, dst_width >= 2
+    // src_width:
+    //   dst[2i]   = (s[i-1] + 6 s[i] + s[i+1] + 4) >> 3
+    //   dst[2i+1] = (4 s[i] + 4 s[i+1] + 4) >> 3
+    // with positions clamped to the row. When dst_width > 2 src_width one more pixel is written, a
+    // copy of the last; pixels after that are left alone.
+    void (*expand_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width);
+
+    // The same filters down the columns; `taps` are the source rows in order, rows may repeat.
+    //   reduce_column: dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
+    //   expand_even:   dst = (a + 6 b + c + 4) >> 3
+    //   expand_odd:    dst = (4 b + 4 c + 4) >> 3
+    void (*reduce_column)(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
+    void (*expand_even)(const uint8_t* a, const uint8_t* b, const uint8_t* c,
+                        uint8_t* __restrict dst, size_t bytes);
+    void (*expand_odd)(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes);
+
+    // dst = a - b, in -255..255.
+    void (*subtract)(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count);
+
+    // dst = src, in 0..255.
+    void (*widen)(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count);
+
+    // dst = (m a + (255 - m) b + 128) >> 8 for each of the three channels of a pixel, the shift
+    // rounding down. Weights sum to 255, not 256: a full mask shrinks a value of 255 to 254. `dst`
+    // may be `a` or `b`.
+    void (*blend)(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                  size_t pixels);
+
+    // dst = min(max(lap + base, 0), 255), the sum wrapping at 16 bits.
+    void (*collapse)(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
+                     size_t count);
+
+    // dst = the low 8 bits of src.
+    void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
+} row_ops;
+
+// Plain C++, the definition of every result.
+extern const row_ops plain_rows;
+
+// The fastest operations that this machine has.
+const row_ops* active_rows(void);
+
+#endif

@@ -1,0 +1,42 @@
+// Conversions and sizes that every subsystem shares.
+#ifndef IMAGEBLEND_NUMERIC_H
+#define IMAGEBLEND_NUMERIC_H
+
+#include <stddef.h>
+#include <stdint.h>
+
+// Truncates toward zero, saturates at the ends of the type and maps NaN to 0: what the conversion
+// instruction of 64-bit Arm does, on every platform.
+static inline int32_t float_to_i32(float value) {
+    if (value >= 2147483648.0f) return INT32_MAX;
+    if (value <= -2147483648.0f) return INT32_MIN;
+    return value == value ? (int32_t)value : 0;
+}
+
+static inline int32_t saturate_i32(int64_t value) {
+    if (value > INT32_MAX) return INT32_MAX;
+    if (value < INT32_MIN) return INT32_MIN;
+    return (int32_t)value;
+}
+
+static inline int64_t min_i64(int64_t a, int64_t b) {
+    return a < b ? a : b;
+}
+static inline int64_t max_i64(int64_t a, int64_t b) {
+    return a > b ? a : b;
+}
+static inline int64_t clamp_i64(int64_t v, int64_t low, int64_t high) {
+    return v < low ? low : (v > high ? high : v);
+}
+
+// The size of a buffer of `width` x `height` elements of `bytes` bytes. False when the product is
+// negative or too large for any buffer; a product of two negative sides is a size.
+static inline bool buffer_size(int64_t width, int64_t height, int64_t bytes, size_t* size) {
+    int64_t product;
+    if (__builtin_mul_overflow(width, height, &product)) return false;
+    if (__builtin_mul_overflow(product, bytes, &product)) return false;
+    *size = (size_t)product;
+    return product >= 0;
+}
+
+#endif

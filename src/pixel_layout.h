@@ -1,0 +1,13 @@
+// Where the samples of a plane lie.
+#ifndef IMAGEBLEND_PIXEL_LAYOUT_H
+#define IMAGEBLEND_PIXEL_LAYOUT_H
+
+#include <stdint.h>
+
+// {0, 1} for masks and {0, 3} for packed colour planes.
+typedef struct pixel_layout {
+    int32_t offset;  // element of the first sample
+    int32_t step;    // elements of one pixel
+} pixel_layout;
+
+#endif
