@@ -1,0 +1,30 @@
+// Bilinear resize of 8-bit planes in 7-bit fixed point, in two separable passes.
+//
+// Output sample i of n_out sits on the source position i * step in 1/128 pixel,
+//   step = (n_in * 128 + (n_out >> 1) - 128) / (n_out - 1), truncating; 0 when n_out is 1,
+// so the corners of both pictures coincide. It is
+//   (in[a] * w_a + in[b] * w_b + 64) >> 7
+// for the neighbours a and b = a + 1 around the position, clamped to the source, with weights that
+// sum to 128. Shrinking keeps two taps; there is no averaging over areas.
+//
+// Planes are packed rows of `channels` interleaved bytes a pixel; source and target do not overlap.
+// Sides below 1 leave the target untouched. Nothing beyond the planes is read or written.
+#ifndef IMAGEBLEND_BLEND_RESIZE_H
+#define IMAGEBLEND_BLEND_RESIZE_H
+
+#include <stdint.h>
+
+// Both passes, rows first. Returns 0, or -1 with the target untouched when the intermediate plane
+// of dst_width x src_height pixels cannot be had.
+int32_t resize_plane(const uint8_t* src, uint8_t* dst, int32_t src_width, int32_t src_height,
+                     int32_t dst_width, int32_t dst_height, int32_t channels);
+
+// From src_width x rows to dst_width x rows pixels.
+void resize_rows(const uint8_t* src, int32_t src_width, uint8_t* dst, int32_t dst_width,
+                 int32_t rows, int32_t channels);
+
+// From width x src_height to width x dst_height pixels.
+void resize_cols(const uint8_t* src, int32_t src_height, uint8_t* dst, int32_t width,
+                 int32_t dst_height, int32_t channels);
+
+#endif

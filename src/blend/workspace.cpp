@@ -1,0 +1,78 @@
+#include "blend/workspace.h"
+
+#include "log.h"
+#include "memory.h"
+
+// Where the arrays start: behind the header, which leaves eight bytes unused.
+enum { HEADER_BYTES = 88 };
+static_assert(sizeof(blend_workspace) <= HEADER_BYTES, "the header fits its place");
+
+static size_t round_up_even(size_t bytes) {
+    return (bytes + 1) & ~(size_t)1;
+}
+
+// Deeper than any 32-bit side can be halved.
+enum { MAX_LEVELS = 32 };
+
+// Total size of the block, or false when it is more than an address can hold.
+static bool workspace_size(int32_t width, int32_t height, uint32_t levels, size_t* size) {
+    size_t level0;
+    if (levels > MAX_LEVELS || width < 0 || height < 0) return false;
+    // Levels and their roundings add up to less than 64 bytes a pixel and a few hundred more.
+    if (!buffer_size(width, height, 64, &level0)) return false;
+    const size_t pixels = (size_t)width * (size_t)height;
+    *size = HEADER_BYTES + 32 * ((size_t)levels + 1) + 18 * pixels + round_up_even(3 * pixels) +
+            round_up_even(pixels);
+    for (uint32_t l = 1; l <= levels; l++) {
+        const size_t level = ((size_t)width >> l) * ((size_t)height >> l);
+        *size += 12 * level + round_up_even(level);
+    }
+    return true;
+}
+
+static void* take(uint8_t** cursor, size_t bytes) {
+    uint8_t* start = *cursor;
+    *cursor += bytes;
+    return start;
+}
+
+static void lay_out(blend_workspace* ws) {
+    uint8_t* cursor = (uint8_t*)ws + HEADER_BYTES;
+    const size_t entries = (size_t)ws->levels + 1;
+    ws->level_width = (uint32_t*)take(&cursor, 4 * entries);
+    ws->level_height = (uint32_t*)take(&cursor, 4 * entries);
+    ws->lap_dst = (int16_t**)take(&cursor, sizeof(int16_t*) * entries);
+    ws->lap_src = (int16_t**)take(&cursor, sizeof(int16_t*) * entries);
+    ws->mask_levels = (uint8_t**)take(&cursor, sizeof(uint8_t*) * entries);
+    const size_t patch = 3 * (size_t)ws->width * ws->height;
+    ws->down_plane = (uint8_t*)take(&cursor, patch);
+    ws->down_plane2 = (uint8_t*)take(&cursor, patch);
+    ws->up_plane = (uint8_t*)take(&cursor, round_up_even(patch));
+    for (uint32_t l = 0; l < entries; l++) {
+        ws->level_width[l] = (uint32_t)((uint64_t)ws->width >> l);
+        ws->level_height[l] = (uint32_t)((uint64_t)ws->height >> l);
+        const size_t pixels = (size_t)ws->level_width[l] * ws->level_height[l];
+        ws->lap_dst[l] = (int16_t*)take(&cursor, 6 * pixels);
+        ws->lap_src[l] = (int16_t*)take(&cursor, 6 * pixels);
+        ws->mask_levels[l] = (uint8_t*)take(&cursor, round_up_even(pixels));
+    }
+}
+
+blend_workspace* alloc_blend_workspace(int32_t width, int32_t height, uint32_t levels) {
+    size_t size = 0;
+    blend_workspace* ws = NULL;
+    if (workspace_size(width, height, levels, &size)) ws = (blend_workspace*)calloc(1, size);
+    if (ws == NULL) {
+        LOG_LINE(LOG_ERROR, "Alloc Blending memory error size:%x", (unsigned)size);
+        return NULL;
+    }
+    ws->levels = levels;
+    ws->width = (uint32_t)width;
+    ws->height = (uint32_t)height;
+    lay_out(ws);
+    return ws;
+}
+
+void free_blend_workspace(blend_workspace* ws) {
+    free(ws);
+}
