@@ -1,0 +1,187 @@
+// vorn_imageBlending: prepares the object's mask and hands the blend to the engine.
+#include <string.h>
+
+#include "api/mask_box.h"
+#include "api/rotation.h"
+#include "api/zoom_plane.h"
+#include "blend/blend_region.h"
+#include "blend/depth.h"
+#include "blend/rotated_icon.h"
+#include "imageblend.h"
+#include "log.h"
+#include "memory.h"
+
+static const pixel_layout layout_mask = {0, 1};
+
+// The object's box and its buffers in one call.
+typedef struct blend_call {
+    int32_t width, height;            // of the frames
+    int32_t crop_width, crop_height;  // of the box with margins
+    int32_t x0, y0;                   // its corner
+    int32_t bare_width, bare_height;  // of the box without margins
+    int32_t level_zoom, level_box;    // depths of the zoomed box and of the bare one
+    int32_t center_x, center_y;       // of the unrotated box
+    int32_t zoom_width, zoom_height;
+    float zoom;
+    uint8_t* crop;         // the box of the mask
+    size_t crop_bytes;     // its capacity
+    uint8_t* zoomed_mask;  // zoom_width x zoom_height
+} blend_call;
+
+static void log_frame_sizes(const blend_image* icon, const blend_image* destination,
+                            const blend_image* mask) {
+    LOG_LINE(LOG_ERROR, "LLF frame sizes differ icon[%d,%d],destination[%d,%d],mask[%d,%d]\n",
+             icon->width, icon->height, destination->width, destination->height, mask->width,
+             mask->height);
+}
+
+static bool same_size(const blend_image* a, const blend_image* b) {
+    return a->width == b->width && a->height == b->height;
+}
+
+static void log_start(int32_t center_x, int32_t center_y, float zoom, float angle) {
+    LOG_LINE(LOG_DEBUG, "LLF time_cost_start");
+    LOG_LINE(LOG_INFO, "ImageBlending version 2.0, build time:%s,time:%s\n", __DATE__, __TIME__);
+    LOG_LINE(LOG_DEBUG, "LLF input param center[%d,%d],zoom=%f,angle=%f\n", center_x, center_y,
+             (double)zoom, (double)angle);
+}
+
+static bool crop_object(blend_call* call, const blend_image* mask) {
+    const bool has_pixels = call->width >= 1 && call->height >= 1;
+    call->crop_bytes = has_pixels ? (size_t)call->width * (size_t)call->height : 0;
+    call->crop = (uint8_t*)alloc_zeroed_plane((int64_t)call->crop_bytes, 1, 1);
+    if (call->crop == NULL) return false;
+    crop_mask(mask->data, call->width, call->height, call->crop, &call->crop_width,
+              &call->crop_height, &call->bare_width, &call->bare_height, &call->x0, &call->y0,
+              &call->level_zoom, BASE_LEVEL, true, &layout_mask, true, &call->level_box, call->zoom,
+              call->crop_bytes);
+    call->center_x = saturate_i32((int64_t)call->x0 + call->crop_width / 2);
+    call->center_y = saturate_i32((int64_t)call->y0 + call->crop_height / 2);
+    return true;
+}
+
+// A record for the rotated icon with pixels of the frame's size, or null.
+static blend_image* alloc_rotated_icon(int32_t width, int32_t height) {
+    blend_image* icon = (blend_image*)malloc(sizeof(blend_image));
+    if (icon == NULL) return NULL;
+    icon->width = width;
+    icon->height = height;
+    const bool has_pixels = width >= 1 && height >= 1;
+    icon->data = (uint8_t*)alloc_plane(has_pixels ? width : 0, has_pixels ? height : 0, 4);
+    if (icon->data != NULL) return icon;
+    free(icon);
+    return NULL;
+}
+
+// Rotates icon and mask about the box's centre and finds the box again. On success the rotated icon
+// is in g_rotated_icon.
+static bool rotate_object(blend_call* call, const blend_image* icon, const blend_image* mask,
+                          float angle) {
+    const bool has_pixels = call->width >= 1 && call->height >= 1;
+    uint8_t* rotated_mask = (uint8_t*)alloc_zeroed_plane((int64_t)call->crop_bytes, 1, 1);
+    blend_image* rotated = alloc_rotated_icon(call->width, call->height);
+    if (rotated_mask == NULL || rotated == NULL) {
+        if (rotated != NULL) free(rotated->data);
+        free(rotated);
+        free(rotated_mask);
+        return false;
+    }
+    g_rotated_icon = rotated;
+    const rotation turn = make_rotation(angle, call->center_x, call->center_y);
+    if (has_pixels) {
+        rotate_frame(&turn, call->width, call->height, mask->data, rotated_mask, icon->data,
+                     rotated->data);
+    }
+    crop_rotated_mask(rotated_mask, call->width, call->height, call->crop, &call->crop_width,
+                      &call->crop_height, &call->bare_width, &call->bare_height, &call->x0,
+                      &call->y0, call->center_x, call->center_y, &call->level_zoom, BASE_LEVEL,
+                      true, &layout_mask, true, &call->level_box, call->zoom, call->crop_bytes);
+    free(rotated_mask);
+    return true;
+}
+
+// Brings the cropped mask to the zoomed size.
+static bool zoom_mask(blend_call* call) {
+    const bool has_pixels = call->crop_width >= 1 && call->crop_height >= 1 &&
+                            call->zoom_width >= 1 && call->zoom_height >= 1;
+    call->zoomed_mask = (uint8_t*)alloc_zeroed_plane(has_pixels ? call->zoom_width : 0,
+                                                     has_pixels ? call->zoom_height : 0, 1);
+    if (call->zoomed_mask == NULL) return false;
+    if (has_pixels && call->zoom != 1.0f) {
+        zoom_plane_nearest(call->crop, call->crop_width, call->crop_height, call->zoomed_mask,
+                           call->zoom_width, call->zoom_height, 1);
+    } else if (has_pixels) {
+        memcpy(call->zoomed_mask, call->crop, (size_t)call->zoom_width * (size_t)call->zoom_height);
+    }
+    return true;
+}
+
+// The corner of the bare, zoomed box around the placement's centre.
+static int32_t corner_of(int32_t center, int32_t bare_size, float zoom) {
+    return float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
+}
+
+static int32_t blend_object(blend_call* call, const blend_image* icon,
+                            const blend_image* destination, const blend_image* output,
+                            int32_t center_x, int32_t center_y) {
+    if (!zoom_mask(call)) return -1;
+    return blend_region(icon, destination, call->zoomed_mask, output,
+                        corner_of(center_x, call->bare_width, call->zoom),
+                        corner_of(center_y, call->bare_height, call->zoom), call->crop_width,
+                        call->crop_height, call->center_x, call->center_y, call->level_zoom,
+                        call->level_box, 0, call->zoom);
+}
+
+static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_image* destination,
+                         const blend_image* mask, const blend_image* output, int32_t center_x,
+                         int32_t center_y, float angle) {
+    if (!crop_object(call, mask)) return -1;
+    if (angle != 0.0f && !rotate_object(call, icon, mask, angle)) return -1;
+    call->zoom_width = float_to_i32((float)call->crop_width * call->zoom);
+    call->zoom_height = float_to_i32((float)call->crop_height * call->zoom);
+    LOG_LINE(LOG_ERROR, "LLF double check cropsize[%d,%d],maxsize[%d,%d]\n", call->zoom_width,
+             call->zoom_height, destination->width, destination->height);
+    if (call->zoom_height > destination->height || call->zoom_width > destination->width) {
+        LOG_LINE(LOG_ERROR, "LLF double check,Zoom factor is too big, return to zoom = 1\n");
+        // The crop and the rotated icon are kept; a later blend frees or replaces the icon.
+        call->crop = NULL;
+        return -1;
+    }
+    int32_t status = -1;
+    if (!same_size(destination, mask)) {
+        log_frame_sizes(icon, destination, mask);
+    } else {
+        const blend_image* source = angle != 0.0f ? g_rotated_icon : icon;
+        status = blend_object(call, source, destination, output, center_x, center_y);
+    }
+    free_rotated_icon();
+    return status;
+}
+
+int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
+                           const blend_image* mask, blend_image* output, int32_t reserved1,
+                           int32_t reserved2, int32_t center_x, int32_t center_y, float zoom,
+                           float angle) {
+    (void)reserved1;
+    (void)reserved2;
+    if (icon == NULL || destination == NULL || mask == NULL || output == NULL ||
+        icon->data == NULL || destination->data == NULL || mask->data == NULL ||
+        output->data == NULL) {
+        return -1;
+    }
+    log_start(center_x, center_y, zoom, angle);
+    if (!same_size(icon, mask)) {
+        log_frame_sizes(icon, destination, mask);
+        return -1;
+    }
+    blend_call call = blend_call();
+    call.width = mask->width;
+    call.height = mask->height;
+    call.zoom = zoom;
+    const int32_t status =
+        run_blend(&call, icon, destination, mask, output, center_x, center_y, angle);
+    free(call.zoomed_mask);
+    free(call.crop);
+    if (status == 0) LOG_LINE(LOG_DEBUG, " LLF time_cost_end");
+    return status;
+}
