@@ -1,41 +1,67 @@
-// One band's share of one stage of the pyramid driver: the kernels that run one after the other on
-// the same rows, as one pool task.
+// One band's share of one stage of the pyramid driver, as one pool task.
+//
+// A bundle walks its band in strips of a few rows and runs its kernels on each strip in turn, so
+// that what one kernel leaves for the next stays in the cache: no expanded plane and no 16-bit
+// plane is ever whole in memory.
 #ifndef IMAGEBLEND_BLEND_BAND_BUNDLE_H
 #define IMAGEBLEND_BLEND_BAND_BUNDLE_H
 
 #include <stddef.h>
 
 #include "blend/band_task.h"
+#include "blend/picture.h"
 
 enum { BAND_COUNT = 4 };
 
-// Rows that a bundle copies from its private overlap rows into a plane that all bands share, so
-// that no byte of the plane is written by two bands.
-typedef struct band_publish {
-    const uint8_t* from;
-    uint8_t* to;
-    size_t bytes;
-} band_publish;
+// Working rows private to a band, all for rows of one level's width w.
+typedef struct band_rows {
+    int16_t* lap_src;  // 3 w values
+    int16_t* lap_dst;  // 3 w values
+    uint8_t* filter;   // the horizontal pass
+    uint8_t* cut_src;  // rows cut from a frame
+    uint8_t* cut_dst;
+    uint8_t* expanded[3];  // source, destination, result
+    uint8_t* out;
+} band_rows;
+
+// Bytes of scratch that a band needs for the level of `width` pixels and all coarser ones, a
+// multiple of 64, and the parts of such a scratch.
+size_t band_scratch_bytes(int32_t width);
+band_rows split_band_scratch(uint8_t* scratch, int32_t width);
 
 typedef struct band_bundle {
-    band_task reduce;   // the level into the next one; its rows and overlap, private to the band
-    band_task expand;   // those rows, or in a collapse the coarse result, to the level's size
-    band_task laplace;  // the level minus its expansion
-    band_task widen;    // the coarsest level, in the last build step
-    band_task mask_reduce;  // the mask into its next level (destination only)
-    band_task collapse;     // expansion plus blended level (collapse only)
+    band_task reduce;       // a strip of colours into the next level
+    band_task expand;       // a strip of the coarse level to the size of the fine one
+    band_task laplace;      // a row of the fine level minus its expansion
+    band_task widen;        // a row of the coarsest level
+    band_task mask_reduce;  // a strip of the mask into its next level
+    band_task blend;        // a row of both Laplacian levels under the mask
+    band_task collapse;     // the blended row plus the expanded result
     thread_pool* pool;      // null when the bundle runs in the caller
     int32_t levels;
-    int32_t level;
+    int32_t level;  // the finer of the two levels
     int32_t band;
-    band_publish publish;       // reduced colour rows
-    band_publish publish_mask;  // reduced mask rows
+    int32_t begin, end;  // the band's rows of the coarser level; of the level itself at the top
+    picture src, dst, result;                       // the finer level
+    picture coarse_src, coarse_dst, coarse_result;  // the coarser one
+    const uint8_t* mask;
+    uint8_t* coarse_mask;
+    uint8_t* scratch;
 } band_bundle;
 
-// Pool tasks; `bundle` is a band_bundle. Each ends with pool_signal_done and returns null. They
-// copy the records they run, so the driver may refill the bundle once its wait has returned.
+// Halves of the way down: the band's rows of the next level, of the source, and of the destination
+// and the mask. Always null.
 void* band_bundle_src(void* bundle);
 void* band_bundle_dst(void* bundle);
+
+// Pool tasks; each ends with pool_signal_done and returns null.
+//   band_bundle_build     both halves of the way down
+//   band_bundle_collapse  the way up: both Laplacian levels, their blend, and its sum with the
+//   coarser
+//                         result, for all fine rows that the band's coarse rows expand to
+//   band_bundle_top       the coarsest level of all: blended and narrowed to bytes
+void* band_bundle_build(void* bundle);
 void* band_bundle_collapse(void* bundle);
+void* band_bundle_top(void* bundle);
 
 #endif

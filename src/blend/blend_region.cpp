@@ -11,6 +11,9 @@
 #include "kernels/row_ops.h"
 #include "memory.h"
 
+// Below this height a picture is not cut into bands, and whole levels take patches only.
+enum { MIN_STREAMED_HEIGHT = 16 };
+
 static const pixel_layout layout_frame = {0, 4};
 static const pixel_layout layout_packed = {0, 3};
 
@@ -76,45 +79,133 @@ static bool resize_channels(const uint8_t* packed, uint8_t* dst, int32_t src_wid
     return done;
 }
 
-// Cuts the source rectangle and brings it to the zoomed size.
-static bool cut_source(const blend_image* src, const blend_box* box, int32_t crop_width,
-                       int32_t crop_height, float zoom, uint8_t* src_patch) {
-    if (zoom == 1.0f) {
-        crop_to_rgb(src->data, src->width, src_patch, box->zoom_left, box->zoom_top,
-                    box->zoom_width, box->zoom_height, &layout_frame, &layout_packed, src->height);
-        return true;
-    }
+// The source rectangle at the zoomed size, or null without memory.
+static uint8_t* zoom_source(const blend_image* src, const blend_box* box, int32_t crop_width,
+                            int32_t crop_height) {
     uint8_t* crop = (uint8_t*)alloc_plane(crop_width, crop_height, 3);
-    if (crop == NULL) return false;
-    crop_to_rgb(src->data, src->width, crop, box->crop_left, box->crop_top, crop_width, crop_height,
-                &layout_frame, &layout_packed, src->height);
-    const bool done = resize_channels(crop, src_patch, crop_width, crop_height, box->zoom_width,
-                                      box->zoom_height);
+    uint8_t* patch = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
+    bool done = crop != NULL && patch != NULL;
+    if (done) {
+        crop_to_rgb(src->data, src->width, crop, box->crop_left, box->crop_top, crop_width,
+                    crop_height, &layout_frame, &layout_packed, src->height);
+        done = resize_channels(crop, patch, crop_width, crop_height, box->zoom_width,
+                               box->zoom_height);
+    }
     free(crop);
-    return done;
+    if (done) return patch;
+    free(patch);
+    return NULL;
 }
 
-// Blends the packed rectangles; without a level below the first their mix under the mask.
-static int32_t blend_patches(uint8_t* patches, size_t patch_bytes, const uint8_t* mask,
-                             const blend_box* box, int32_t levels) {
-    const uint8_t* dst_patch = patches;
-    const uint8_t* src_patch = patches + patch_bytes;
-    blend_workspace* ws =
-        alloc_blend_workspace(box->zoom_width, box->zoom_height, levels > 0 ? (uint32_t)levels : 0);
-    if (ws == NULL) return -1;
-    if (levels < 1) {
-        active_rows()->widen(src_patch, ws->lap_src[0], patch_bytes);
-        active_rows()->widen(dst_patch, ws->lap_dst[0], patch_bytes);
+// A rectangle of a frame, copied into a patch of its own; null without memory.
+static uint8_t* cut_patch(const picture* frame, int32_t width, int32_t height) {
+    uint8_t* patch = (uint8_t*)alloc_plane(width, height, 3);
+    if (patch != NULL) read_rows(frame, 0, height, width, patch);
+    return patch;
+}
+
+// Copy of the destination into the output; nothing where they are the same buffer.
+typedef struct frame_copy {
+    const blend_image* from;
+    const blend_image* to;
+} frame_copy;
+
+static size_t frame_bytes(const blend_image* image) {
+    if (image->width < 1 || image->height < 1) return 0;
+    return (size_t)image->width * (size_t)image->height * 4;
+}
+
+static void copy_frame(void* arg) {
+    const frame_copy* copy = (const frame_copy*)arg;
+    if (copy->from->data == copy->to->data) return;
+    memmove(copy->to->data, copy->from->data, frame_bytes(copy->from));
+}
+
+static bool overlaps(const uint8_t* a, const uint8_t* b, size_t bytes) {
+    return (uintptr_t)a < (uintptr_t)b + bytes && (uintptr_t)b < (uintptr_t)a + bytes;
+}
+
+// Whether the output can be written while the inputs are still being read: it shares no byte with
+// the source, and with the destination none or, pixel for pixel, all.
+static bool can_stream(const picture* src, const blend_image* dst, const blend_image* out) {
+    const size_t bytes = frame_bytes(dst);
+    const bool reads_src = !src->packed && overlaps(src->pixels, out->data, bytes);
+    return !reads_src && (dst->data == out->data || !overlaps(dst->data, out->data, bytes));
+}
+
+// Blends the rectangles straight from frame to frame; `copy` is made beside it.
+static int32_t blend_streamed(const picture* src, const picture* dst, const uint8_t* mask,
+                              frame_copy* copy, blend_workspace* ws) {
+    picture result = *dst;
+    result.pixels = copy->to->data;
+    side_work beside = {copy_frame, copy};
+    return blend_pictures(src, dst, mask, &result, ws, &beside);
+}
+
+// Blends copies of the rectangles and writes the output when all inputs have been read.
+static int32_t blend_patches(const picture* src, const picture* dst, const uint8_t* mask,
+                             frame_copy* copy, blend_workspace* ws, bool single_level) {
+    const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
+    const size_t patch_bytes = 3 * (size_t)width * (size_t)height;
+    uint8_t* src_copy = src->packed ? NULL : cut_patch(src, width, height);
+    uint8_t* dst_patch = cut_patch(dst, width, height);
+    uint8_t* result_patch = (uint8_t*)alloc_plane(width, height, 3);
+    const uint8_t* src_patch = src->packed ? src->pixels : src_copy;
+    int32_t status = -1;
+    if (src_patch != NULL && dst_patch != NULL && result_patch != NULL) {
+        if (single_level) {
+            active_rows()->widen(src_patch, ws->lap_src[0], patch_bytes);
+            active_rows()->widen(dst_patch, ws->lap_dst[0], patch_bytes);
+        }
+        status = pyramid_blend(src_patch, dst_patch, mask, result_patch, NULL, patch_bytes, ws);
     }
-    const int32_t status = pyramid_blend(src_patch, dst_patch, mask, patches + 2 * patch_bytes,
-                                         patches + 3 * patch_bytes, patch_bytes, ws);
-    free_blend_workspace(ws);
+    if (status == 0) {
+        copy_frame(copy);
+        write_region_argb(copy->to->data, dst->frame_width, result_patch, dst->x, dst->y, width,
+                          height, dst->frame_height);
+    }
+    free(src_copy);
+    free(dst_patch);
+    free(result_patch);
     return status;
 }
 
-static void copy_frame(const blend_image* dst, const blend_image* out) {
-    if (dst->width < 1 || dst->height < 1) return;
-    memmove(out->data, dst->data, (size_t)dst->width * (size_t)dst->height * 4);
+// The destination rectangle for an object whose bare corner is to stand at (x, y).
+static picture place_destination(const blend_image* src, const blend_image* dst, int32_t x,
+                                 int32_t y, int32_t crop_width, int32_t crop_height,
+                                 int32_t margin_levels, float zoom) {
+    const bool zoomed = zoom != 1.0f;
+    const int32_t left = zoomed ? place_zoomed(x, margin_levels, crop_width, src->width, zoom)
+                                : place_unzoomed(x, margin_levels, crop_width, src->width);
+    const int32_t top = zoomed ? place_zoomed(y, margin_levels, crop_height, src->height, zoom)
+                               : place_unzoomed(y, margin_levels, crop_height, src->height);
+    return frame_picture(dst->data, dst->width, dst->height, left, top);
+}
+
+static int32_t blend_box_pixels(const blend_image* src, const picture* dst_rectangle,
+                                const uint8_t* mask, frame_copy* copy, const blend_box* box,
+                                int32_t crop_width, int32_t crop_height, int32_t levels,
+                                float zoom) {
+    const int32_t width = box->zoom_width, height = box->zoom_height;
+    uint8_t* zoomed = NULL;
+    picture source =
+        frame_picture(src->data, src->width, src->height, box->zoom_left, box->zoom_top);
+    if (zoom != 1.0f) {
+        zoomed = zoom_source(src, box, crop_width, crop_height);
+        if (zoomed == NULL) return -1;
+        source = packed_picture(zoomed, width, height);
+    }
+    int32_t status = -1;
+    blend_workspace* ws = alloc_blend_workspace(width, height, levels > 0 ? (uint32_t)levels : 0);
+    if (ws != NULL) {
+        const bool streams = levels > 0 && height >= MIN_STREAMED_HEIGHT &&
+                             can_stream(&source, copy->from, copy->to);
+        status = streams ? blend_streamed(&source, dst_rectangle, mask, copy, ws)
+                         : blend_patches(&source, dst_rectangle, mask, copy, ws, levels < 1);
+    }
+    free_blend_workspace(ws);
+    free(zoomed);
+    return status;
 }
 
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
@@ -122,34 +213,17 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
                      int32_t crop_height, int32_t center_x, int32_t center_y, int32_t levels,
                      int32_t margin_levels, int32_t trace, float zoom) {
     blend_box box;
+    frame_copy copy = {dst, out};
+    int32_t status = 0;
     place_blend_box(dst, center_x, center_y, crop_width, crop_height, trace, zoom, &box);
-    const int32_t width = box.zoom_width, height = box.zoom_height;
-    if (crop_width < 1 || crop_height < 1 || width < 1 || height < 1) {
-        copy_frame(dst, out);
-        free_rotated_icon();
-        return 0;
+    if (crop_width < 1 || crop_height < 1 || box.zoom_width < 1 || box.zoom_height < 1) {
+        copy_frame(&copy);
+    } else {
+        const picture rectangle =
+            place_destination(src, dst, x, y, crop_width, crop_height, margin_levels, zoom);
+        status = blend_box_pixels(src, &rectangle, mask, &copy, &box, crop_width, crop_height,
+                                  levels, zoom);
     }
-    // dst_patch, src_patch, result_patch and scratch_patch, one behind the other.
-    uint8_t* patches = (uint8_t*)alloc_plane(width, height, 12);
-    const size_t patch_bytes = 3 * (size_t)width * (size_t)height;
-    int32_t status = -1;
-    if (patches != NULL &&
-        cut_source(src, &box, crop_width, crop_height, zoom, patches + patch_bytes)) {
-        const bool zoomed = zoom != 1.0f;
-        const int32_t left = zoomed ? place_zoomed(x, margin_levels, crop_width, src->width, zoom)
-                                    : place_unzoomed(x, margin_levels, crop_width, src->width);
-        const int32_t top = zoomed ? place_zoomed(y, margin_levels, crop_height, src->height, zoom)
-                                   : place_unzoomed(y, margin_levels, crop_height, src->height);
-        crop_to_rgb(dst->data, dst->width, patches, left, top, width, height, &layout_frame,
-                    &layout_packed, dst->height);
-        status = blend_patches(patches, patch_bytes, mask, &box, levels);
-        if (status == 0) {
-            copy_frame(dst, out);
-            write_region_argb(out->data, src->width, patches + 2 * patch_bytes, left, top, width,
-                              height, dst->height);
-        }
-    }
-    free(patches);
     free_rotated_icon();
     return status;
 }

@@ -1,11 +1,11 @@
 #include "blend/pyramid_blend.h"
 
-#include <string.h>
-
-#include "blend/pyramid_stages.h"
 #include "blend/row_conversion.h"
 #include "kernels/row_ops.h"
 #include "memory.h"
+
+// Pictures of fewer pixels are blended sooner than threads are started.
+enum { MIN_POOL_PIXELS = 160 * 1024 };
 
 // The depth at which the next level would have a side below 2, at most the workspace's.
 static int32_t buildable_levels(const blend_workspace* ws) {
@@ -17,71 +17,82 @@ static int32_t buildable_levels(const blend_workspace* ws) {
     return levels;
 }
 
-// A band's kernels need scratch for at most the finest level's rows at half its width.
-static bool alloc_band_scratch(pyramid_run* run) {
-    const blend_workspace* ws = run->ws;
-    if (run->levels < 1) return true;
-    for (int32_t k = 0; k < BAND_COUNT; k++) {
-        run->band_scratch[k] = (uint8_t*)alloc_plane(ws->level_width[1], ws->level_height[0], 3);
-        if (run->band_scratch[k] == NULL) return false;
-    }
-    return true;
-}
-
-// Builds one Laplacian pyramid; the reduced images alternate between two planes.
-static bool build_pyramid(pyramid_run* run, const uint8_t* patch, int16_t* const* lap,
-                          bool with_mask) {
-    const uint8_t* image = patch;
-    for (int32_t l = 0; l < run->levels; l++) {
-        uint8_t* reduced = l % 2 == 0 ? run->ws->down_plane : run->ws->down_plane2;
-        if (!build_level(run, l, image, reduced, lap, with_mask)) return false;
-        image = reduced;
-    }
-    return true;
-}
-
-static bool blend_pyramids(pyramid_run* run, const uint8_t* src_patch, const uint8_t* dst_patch,
-                           const uint8_t* mask, uint8_t* result_patch, uint8_t* scratch_patch,
-                           size_t patch_bytes) {
+// The 8-bit levels below the finest lie one behind the other in the workspace's byte planes: those
+// of the source in down_plane, of the destination in down_plane2, of the result in up_plane.
+// Together they have a third of the finest level's pixels.
+static void place_levels(pyramid_run* run, const uint8_t* mask) {
     blend_workspace* ws = run->ws;
-    const int32_t top = run->levels;
-    if (!build_pyramid(run, src_patch, ws->lap_src, false)) return false;
-    memcpy(ws->mask_levels[0], mask, patch_bytes / 3);
-    if (!build_pyramid(run, dst_patch, ws->lap_dst, true)) return false;
-    for (int32_t l = 0; l <= top; l++)
-        blend_level(run, l);
-    narrow_plane_c3(ws->lap_dst[top], ws->level_width[top], (int32_t)ws->level_height[top],
-                    result_patch);
-    for (int32_t l = top; l >= 1; l--) {
-        if (!collapse_level(run, l, result_patch, scratch_patch)) return false;
-        memcpy(result_patch, scratch_patch, patch_bytes);
+    size_t offset = 0;
+    run->mask[0] = mask;
+    for (int32_t l = 1; l <= run->levels; l++) {
+        const int32_t width = (int32_t)ws->level_width[l], height = (int32_t)ws->level_height[l];
+        run->src[l] = packed_picture(ws->down_plane + offset, width, height);
+        run->dst[l] = packed_picture(ws->down_plane2 + offset, width, height);
+        run->result[l] = packed_picture(ws->up_plane + offset, width, height);
+        run->mask[l] = ws->mask_levels[l];
+        offset += 3 * (size_t)width * (size_t)height;
+    }
+}
+
+// Without a pool the bands run one after the other and share one scratch.
+static bool alloc_band_scratch(pyramid_run* run) {
+    const size_t bytes = band_scratch_bytes((int32_t)run->ws->width);
+    const int64_t count = run->pool != NULL ? BAND_COUNT : 1;
+    uint8_t* scratch = (uint8_t*)alloc_plane((int64_t)bytes, count, 1);
+    for (int32_t k = 0; k < BAND_COUNT && scratch != NULL; k++) {
+        run->band_scratch[k] = scratch + (run->pool != NULL ? (size_t)k * bytes : 0);
+    }
+    return scratch != NULL;
+}
+
+static bool run_stages(pyramid_run* run) {
+    // With a single level the first stage writes the result already.
+    if (run->levels == 0) run_beside(run);
+    for (int32_t l = 0; l < run->levels; l++) {
+        if (!build_level(run, l)) return false;
+    }
+    blend_top(run);
+    for (int32_t l = run->levels - 1; l >= 0; l--) {
+        if (!collapse_level(run, l)) return false;
     }
     return true;
+}
+
+int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
+                       const picture* result, blend_workspace* ws, side_work* beside) {
+    pyramid_run run = pyramid_run();
+    run.ws = ws;
+    run.levels = buildable_levels(ws);
+    run.beside = beside;
+    run.layout_mask.step = 1;
+    run.layout_c3.step = 3;
+    run.src[0] = *src;
+    run.dst[0] = *dst;
+    run.result[0] = *result;
+    place_levels(&run, mask);
+    if ((uint64_t)ws->width * ws->height >= MIN_POOL_PIXELS) {
+        thread_pool* pool = NULL;
+        if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
+    }
+    const bool done = alloc_band_scratch(&run) && run_stages(&run);
+    if (run.pool != NULL) pool_destroy(run.pool);
+    free(run.band_scratch[0]);
+    return done ? 0 : -1;
 }
 
 int32_t pyramid_blend(const uint8_t* src_patch, const uint8_t* dst_patch, const uint8_t* mask,
                       uint8_t* result_patch, uint8_t* scratch_patch, size_t patch_bytes,
                       blend_workspace* ws) {
-    pyramid_run run = pyramid_run();
-    run.ws = ws;
-    run.levels = buildable_levels(ws);
-    run.layout_mask.step = 1;
-    run.layout_c3.step = 3;
-    if (ws->levels > 0 && run.levels == 0) {
-        active_rows()->widen(src_patch, ws->lap_src[0], patch_bytes);
-        active_rows()->widen(dst_patch, ws->lap_dst[0], patch_bytes);
+    (void)scratch_patch;
+    const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
+    if (ws->levels < 1) {
+        active_rows()->blend(mask, ws->lap_src[0], ws->lap_dst[0], ws->lap_dst[0], patch_bytes / 3);
+        narrow_plane_c3(ws->lap_dst[0], ws->width, height, result_patch);
+        return 0;
     }
-    int32_t status = -1;
-    if (alloc_band_scratch(&run)) {
-        thread_pool* pool = NULL;
-        if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
-        if (blend_pyramids(&run, src_patch, dst_patch, mask, result_patch, scratch_patch,
-                           patch_bytes)) {
-            status = 0;
-        }
-        if (run.pool != NULL) pool_destroy(run.pool);
-    }
-    for (int32_t k = 0; k < BAND_COUNT; k++)
-        free(run.band_scratch[k]);
-    return status;
+    // A picture is a place to read or to write; the two inputs are only read.
+    const picture src = packed_picture((uint8_t*)(uintptr_t)src_patch, width, height);
+    const picture dst = packed_picture((uint8_t*)(uintptr_t)dst_patch, width, height);
+    const picture result = packed_picture(result_patch, width, height);
+    return blend_pictures(&src, &dst, mask, &result, ws, NULL);
 }

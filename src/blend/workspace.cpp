@@ -11,9 +11,6 @@ static size_t round_up_even(size_t bytes) {
     return (bytes + 1) & ~(size_t)1;
 }
 
-// Deeper than any 32-bit side can be halved.
-enum { MAX_LEVELS = 32 };
-
 // Total size of the block, or false when it is more than an address can hold.
 static bool workspace_size(int32_t width, int32_t height, uint32_t levels, size_t* size) {
     size_t level0;

@@ -4,6 +4,9 @@
 
 #include <stdint.h>
 
+// Deeper than any 32-bit side can be halved.
+enum { MAX_LEVELS = 32 };
+
 // Level l has w(l) = width >> l by h(l) = height >> l pixels, l = 0 .. levels. Planes are packed;
 // the 16-bit ones have three interleaved channels, the mask one. The block holds, in this order:
 // this header, the arrays in the order level_width, level_height, lap_dst, lap_src, mask_levels
