@@ -2,6 +2,7 @@
 
 #include <string.h>
 
+#include "kernels/row_ops.h"
 #include "numeric.h"
 
 // Columns [begin, end) of one row of a rectangle whose linear index lies inside the frame.
@@ -16,10 +17,25 @@ static inside_span span_inside(int64_t first_index, int64_t width, int64_t frame
     return span;
 }
 
-static void copy_colour(uint8_t* dst, const uint8_t* src) {
-    dst[0] = src[1];
-    dst[1] = src[2];
-    dst[2] = src[3];
+// Pixels outside the linear range, one by one, from the nearest pixel of the frame.
+static void copy_clamped(const uint8_t* frame, int64_t frame_width, int64_t frame_height,
+                         int64_t step, int64_t x, int64_t y, int64_t count, uint8_t* dst,
+                         int64_t dst_step) {
+    const int64_t row = clamp_i64(y, 0, frame_height - 1) * frame_width;
+    for (int64_t c = 0; c < count; c++) {
+        const int64_t index = row + clamp_i64(x + c, 0, frame_width - 1);
+        memcpy(dst + c * dst_step, frame + index * step + 1, 3);
+    }
+}
+
+static void copy_inside(const uint8_t* src, int64_t src_step, uint8_t* dst, int64_t dst_step,
+                        int64_t count) {
+    if (src_step == 4 && dst_step == 3) {
+        active_rows()->pack_rgb(src, dst, (size_t)count);
+        return;
+    }
+    for (int64_t c = 0; c < count; c++)
+        memcpy(dst + c * dst_step, src + c * src_step + 1, 3);
 }
 
 void crop_to_rgb(const uint8_t* src, int32_t src_width, uint8_t* dst, int32_t x0, int32_t y0,
@@ -32,18 +48,16 @@ void crop_to_rgb(const uint8_t* src, int32_t src_width, uint8_t* dst, int32_t x0
         return;
     }
     const int64_t frame_pixels = (int64_t)src_width * src_height;
-    for (int64_t r = 0; r < height; r++) {
+    for (int64_t r = 0; r < height; r++, dst += width * dst_step) {
         const int64_t y = (int64_t)y0 + r;
         const int64_t first = y * src_width + x0;
         const inside_span span = span_inside(first, width, frame_pixels);
-        const int64_t clamped_row = clamp_i64(y, 0, src_height - 1) * src_width;
-        uint8_t* out = dst + r * width * dst_step;
-        for (int64_t c = 0; c < width; c++, out += dst_step) {
-            const bool inside = c >= span.begin && c < span.end;
-            const int64_t index =
-                inside ? first + c : clamped_row + clamp_i64(x0 + c, 0, src_width - 1);
-            copy_colour(out, src + index * src_step);
-        }
+        copy_clamped(src, src_width, src_height, src_step, x0, y, span.begin, dst, dst_step);
+        if (span.begin < span.end)
+            copy_inside(src + (first + span.begin) * src_step, src_step,
+                        dst + span.begin * dst_step, dst_step, span.end - span.begin);
+        copy_clamped(src, src_width, src_height, src_step, x0 + span.end, y, width - span.end,
+                     dst + span.end * dst_step, dst_step);
     }
 }
 
@@ -54,11 +68,9 @@ void write_region_argb(uint8_t* out_pixels, int32_t row_width, const uint8_t* pa
     for (int64_t r = 0; r < height; r++) {
         const int64_t first = ((int64_t)y + r) * row_width + x;
         const inside_span span = span_inside(first, width, frame_pixels);
-        const uint8_t* in = patch + (r * width + span.begin) * 3;
-        for (int64_t c = span.begin; c < span.end; c++, in += 3) {
-            uint8_t* out = out_pixels + (first + c) * 4;
-            out[0] = 255;
-            memcpy(out + 1, in, 3);
-        }
+        if (span.begin == span.end) continue;
+        active_rows()->unpack_rgb(patch + (r * width + span.begin) * 3,
+                                  out_pixels + (first + span.begin) * 4,
+                                  (size_t)(span.end - span.begin));
     }
 }

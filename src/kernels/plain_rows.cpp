@@ -1,4 +1,6 @@
-#include "kernels/row_ops.h"
+#include <string.h>
+
+#include "kernels/vector_rows.h"
 
 static inline uint8_t reduce5(int a, int b, int c, int d, int e) {
     return (uint8_t)((a + 4 * b + 6 * c + 4 * d + e + 8) >> 4);
@@ -15,38 +17,12 @@ static inline uint8_t expand2(int b, int c) {
 template <int channels>
 static void reduce_row(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                        int32_t dst_width) {
-    const ptrdiff_t step = channels;
-    const ptrdiff_t last = (ptrdiff_t)dst_width - 1;
-    const bool folds = (int64_t)dst_width * 2 == src_width;  // no sample right of the last pair
-    for (ptrdiff_t k = 0; k < step; k++) {
-        const uint8_t* s = src + k;
-        dst[k] = reduce5(s[0], s[0], s[0], s[step], s[2 * step]);
-        for (ptrdiff_t i = 1; i < last; i++) {
-            s = src + 2 * i * step + k;
-            dst[i * step + k] = reduce5(s[-2 * step], s[-step], s[0], s[step], s[2 * step]);
-        }
-        s = src + 2 * last * step + k;
-        dst[last * step + k] =
-            reduce5(s[-2 * step], s[-step], s[0], s[step], s[folds ? step : 2 * step]);
-    }
+    reduce_range<channels>(src, src_width, dst, dst_width, 0, dst_width);
 }
 
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
-    const ptrdiff_t last = 3 * ((ptrdiff_t)src_width - 1);
-    for (ptrdiff_t k = 0; k < 3; k++) {
-        dst[k] = expand3(src[k], src[k], src[3 + k]);
-        dst[3 + k] = expand2(src[k], src[3 + k]);
-        for (ptrdiff_t i = 3; i < last; i += 3) {
-            const uint8_t* s = src + i + k;
-            dst[2 * i + k] = expand3(s[-3], s[0], s[3]);
-            dst[2 * i + 3 + k] = expand2(s[0], s[3]);
-        }
-        const uint8_t* s = src + last + k;
-        dst[2 * last + k] = expand3(s[-3], s[0], s[0]);
-        dst[2 * last + 3 + k] = s[0];
-        if (dst_width > 2 * (int64_t)src_width) dst[2 * last + 6 + k] = s[0];
-    }
+    expand_range_c3(src, src_width, dst, dst_width, 0, src_width);
 }
 
 static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
@@ -99,11 +75,19 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
         dst[i] = (uint8_t)src[i];
 }
 
-const row_ops plain_rows = {
-    reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column, expand_even, expand_odd,
-    subtract,      widen,         blend,         collapse,      narrow,
-};
-
-const row_ops* active_rows(void) {
-    return &plain_rows;
+static void pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels) {
+    for (size_t p = 0; p < pixels; p++)
+        memcpy(rgb + 3 * p, argb + 4 * p + 1, 3);
 }
+
+static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels) {
+    for (size_t p = 0; p < pixels; p++) {
+        argb[4 * p] = 255;
+        memcpy(argb + 4 * p + 1, rgb + 3 * p, 3);
+    }
+}
+
+const row_ops plain_rows = {
+    "plain",  reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column, expand_even, expand_odd,
+    subtract, widen,         blend,         collapse,      narrow,        pack_rgb,    unpack_rgb,
+};

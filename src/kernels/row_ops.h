@@ -13,6 +13,8 @@
 #include <stdint.h>
 
 typedef struct row_ops {
+    const char* name;
+
     // 2:1 reduction of a row of `src_width` pixels to `dst_width`, 2 <= dst_width <= src_width / 2:
     //   dst[i] = (s[2i-2] + 4 s[2i-1] + 6 s[2i] + 4 s[2i+1] + s[2i+2] + 8) >> 4
     // with positions clamped to the row. c3: three interleaved channels, c1: one.
@@ -45,9 +47,9 @@ typedef struct row_ops {
     // dst = src, in 0..255.
     void (*widen)(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count);
 
-    // dst = (m a + (255 - m) b + 128) >> 8 for each of the three channels of a pixel, the shift
-    // rounding down. Weights sum to 255, not 256: a full mask shrinks a value of 255 to 254. `dst`
-    // may be `a` or `b`.
+    // dst = (m a + (255 - m) b + 128) >> 8 for each of the three channels of a pixel, a and b in
+    // -255..255, the shift rounding down. Weights sum to 255, not 256: a full mask shrinks a value
+    // of 255 to 254. `dst` may be `a` or `b`.
     void (*blend)(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
                   size_t pixels);
 
@@ -57,6 +59,10 @@ typedef struct row_ops {
 
     // dst = the low 8 bits of src.
     void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
+
+    // Colours of 4-byte pixels, bytes 1 to 3, to packed ones, and back with byte 0 set to 255.
+    void (*pack_rgb)(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
+    void (*unpack_rgb)(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
 } row_ops;
 
 // Plain C++, the definition of every result.
@@ -64,5 +70,9 @@ extern const row_ops plain_rows;
 
 // The fastest operations that this machine has.
 const row_ops* active_rows(void);
+
+// For tests and comparisons: makes active_rows return the plain operations, or undoes that. Not
+// while a blend is running.
+void force_plain_rows(bool force);
 
 #endif

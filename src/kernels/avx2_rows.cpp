@@ -1,0 +1,307 @@
+// The row operations in 256-bit vectors of x86-64. Built with the compiler's AVX2 option; nothing
+// here runs before avx2_rows has asked the processor.
+//
+// Rows of a vector and more end with one vector that overlaps the one before it, so no element is
+// handled alone; shorter rows take the plain operations.
+#include "kernels/vector_rows.h"
+
+#if defined(__AVX2__)
+
+#include <immintrin.h>
+
+typedef __m256i bytes32;
+
+static inline bytes32 load(const uint8_t* p) {
+    return _mm256_loadu_si256((const __m256i*)p);
+}
+static inline void store(uint8_t* p, bytes32 v) {
+    _mm256_storeu_si256((__m256i*)p, v);
+}
+static inline __m256i load_values(const int16_t* p) {
+    return _mm256_loadu_si256((const __m256i*)p);
+}
+static inline void store_values(int16_t* p, __m256i v) {
+    _mm256_storeu_si256((__m256i*)p, v);
+}
+static inline __m128i load16(const uint8_t* p) {
+    return _mm_loadu_si128((const __m128i*)p);
+}
+static inline void store16(uint8_t* p, __m128i v) {
+    _mm_storeu_si128((__m128i*)p, v);
+}
+
+// Two runs of 16 bytes, one in each half.
+static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load16(low)), load16(high), 1);
+}
+
+static inline __m256i widen16(const uint8_t* p) {
+    return _mm256_cvtepu8_epi16(load16(p));
+}
+
+// Bytes of two vectors of 16 values in their order, each saturated to 0..255.
+static inline bytes32 pack_in_order(__m256i low, __m256i high) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xd8);
+}
+
+// Averages rounding down and up.
+static inline bytes32 average_up(bytes32 a, bytes32 b) {
+    return _mm256_avg_epu8(a, b);
+}
+static inline bytes32 average_down(bytes32 a, bytes32 b) {
+    const bytes32 odd = _mm256_and_si256(_mm256_xor_si256(a, b), _mm256_set1_epi8(1));
+    return _mm256_sub_epi8(_mm256_avg_epu8(a, b), odd);
+}
+
+// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step.
+static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
+    return average_up(b, average_down(b, average_down(a, c)));
+}
+
+// Weights of a pair of neighbouring bytes for _mm256_maddubs_epi16.
+static inline __m256i pair_weights(int first, int second) {
+    return _mm256_set1_epi16((short)(second * 256 + first));
+}
+
+static inline __m256i weigh(bytes32 pairs, int first, int second) {
+    return _mm256_maddubs_epi16(pairs, pair_weights(first, second));
+}
+
+// (t0 + 4 t1) + (6 t2 + 4 t3) + t4, rounded, for pairs (t0, t1), (t2, t3) and (t4, anything).
+static inline __m256i reduce_pairs(bytes32 p01, bytes32 p23, bytes32 p4) {
+    const __m256i sum = _mm256_add_epi16(_mm256_add_epi16(weigh(p01, 1, 4), weigh(p23, 6, 4)),
+                                         _mm256_add_epi16(weigh(p4, 1, 0), _mm256_set1_epi16(8)));
+    return _mm256_srli_epi16(sum, 4);
+}
+
+static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
+    if (bytes < 32) return plain_rows.reduce_column(taps, dst, bytes);
+    for_each_vector(bytes, 32, [=](size_t i) {
+        const bytes32 t0 = load(taps[0] + i), t1 = load(taps[1] + i), t2 = load(taps[2] + i);
+        const bytes32 t3 = load(taps[3] + i), t4 = load(taps[4] + i);
+        const __m256i low = reduce_pairs(_mm256_unpacklo_epi8(t0, t1), _mm256_unpacklo_epi8(t2, t3),
+                                         _mm256_unpacklo_epi8(t4, t4));
+        const __m256i high =
+            reduce_pairs(_mm256_unpackhi_epi8(t0, t1), _mm256_unpackhi_epi8(t2, t3),
+                         _mm256_unpackhi_epi8(t4, t4));
+        store(dst + i, _mm256_packus_epi16(low, high));
+    });
+}
+
+static void expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c,
+                        uint8_t* __restrict dst, size_t bytes) {
+    if (bytes < 32) return plain_rows.expand_even(a, b, c, dst, bytes);
+    for_each_vector(bytes, 32, [=](size_t i) {
+        store(dst + i, even_phase(load(a + i), load(b + i), load(c + i)));
+    });
+}
+
+static void expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes) {
+    if (bytes < 32) return plain_rows.expand_odd(b, c, dst, bytes);
+    for_each_vector(bytes, 32,
+                    [=](size_t i) { store(dst + i, average_up(load(b + i), load(c + i))); });
+}
+
+// 32 outputs a step. Output i + 1 is centred on sample 2i + 2; the reads of a step end three
+// samples behind its last centre, so the last output is left to the edge.
+static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    const int32_t inner = dst_width - 2;
+    if (inner < 32) return plain_rows.reduce_row_c1(src, src_width, dst, dst_width);
+    for_each_vector((size_t)inner, 32, [=](size_t i) {
+        const uint8_t* s = src + 2 * i;
+        const __m256i low = reduce_pairs(load(s), load(s + 2), load(s + 4));
+        const __m256i high = reduce_pairs(load(s + 32), load(s + 34), load(s + 36));
+        store(dst + 1 + i, pack_in_order(low, high));
+    });
+    reduce_range<1>(src, src_width, dst, dst_width, 0, 1);
+    reduce_range<1>(src, src_width, dst, dst_width, dst_width - 1, dst_width);
+}
+
+// The outputs of two pixels in each half: lanes 0 to 5, the others hold nothing. `s` is the first
+// centre; bytes s - 6 to s + 30 are read.
+static inline __m256i reduce_pixels(const uint8_t* s) {
+    // Byte by byte a sample and the one a pixel further.
+    const __m256i pairs = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, -1, -1, -1, -1));
+    // The samples a pixel further than the start of the load, each with a zero.
+    const __m256i singles = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(3, -1, 4, -1, 5, -1, 9, -1, 10, -1, 11, -1, -1, -1, -1, -1));
+    return reduce_pairs(_mm256_shuffle_epi8(load_halves(s - 6, s + 6), pairs),
+                        _mm256_shuffle_epi8(load_halves(s, s + 12), pairs),
+                        _mm256_shuffle_epi8(load_halves(s + 3, s + 15), singles));
+}
+
+// Stores the first 12 bytes of each half, 24 bytes in all.
+static inline void store_two_twelves(uint8_t* p, __m256i v) {
+    const __m128i low = _mm256_castsi256_si128(v), high = _mm256_extracti128_si256(v, 1);
+    store16(p, _mm_or_si128(low, _mm_slli_si128(high, 12)));
+    _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
+}
+
+// Eight pixels a step. The reads of a step end 12 bytes behind its last centre, so the last two
+// outputs are left to the edge.
+static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    const int32_t inner = dst_width - 3;
+    if (inner < 8) return plain_rows.reduce_row_c3(src, src_width, dst, dst_width);
+    const __m256i close_up = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -1, -1, -1, -1));
+    for_each_vector((size_t)inner, 8, [=](size_t i) {
+        const uint8_t* s = src + 6 * (i + 1);
+        const bytes32 outputs = pack_in_order(reduce_pixels(s), reduce_pixels(s + 24));
+        store_two_twelves(dst + 3 * (i + 1), _mm256_shuffle_epi8(outputs, close_up));
+    });
+    reduce_range<3>(src, src_width, dst, dst_width, 0, 1);
+    reduce_range<3>(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+}
+
+// Ten source pixels a step, five in each half. A step reads 3 bytes before and 4 behind them, and
+// writes two bytes behind its outputs, which the next step or the edge overwrites.
+static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    const int32_t inner = src_width - 3;
+    if (inner < 10) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
+    const __m256i even_first = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(0, 1, 2, -1, -1, -1, 3, 4, 5, -1, -1, -1, 6, 7, 8, -1));
+    const __m256i odd_first = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(-1, -1, -1, 0, 1, 2, -1, -1, -1, 3, 4, 5, -1, -1, -1, 6));
+    const __m256i even_second = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(-1, -1, 9, 10, 11, -1, -1, -1, 12, 13, 14, -1, -1, -1, -1, -1));
+    const __m256i odd_second = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(7, 8, -1, -1, -1, 9, 10, 11, -1, -1, -1, 12, 13, 14, -1, -1));
+    for_each_vector((size_t)inner, 10, [=](size_t i) {
+        const uint8_t* s = src + 3 * (i + 1);
+        const bytes32 b = load_halves(s, s + 15), c = load_halves(s + 3, s + 18);
+        const bytes32 even = even_phase(load_halves(s - 3, s + 12), b, c);
+        const bytes32 odd = average_up(b, c);
+        const bytes32 first = _mm256_or_si256(_mm256_shuffle_epi8(even, even_first),
+                                              _mm256_shuffle_epi8(odd, odd_first));
+        const bytes32 second = _mm256_or_si256(_mm256_shuffle_epi8(even, even_second),
+                                               _mm256_shuffle_epi8(odd, odd_second));
+        uint8_t* out = dst + 6 * (i + 1);
+        store16(out, _mm256_castsi256_si128(first));
+        store16(out + 16, _mm256_castsi256_si128(second));
+        store16(out + 30, _mm256_extracti128_si256(first, 1));
+        store16(out + 46, _mm256_extracti128_si256(second, 1));
+    });
+    expand_range_c3(src, src_width, dst, dst_width, 0, 1);
+    expand_range_c3(src, src_width, dst, dst_width, src_width - 2, src_width);
+}
+
+static void subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
+    if (count < 16) return plain_rows.subtract(a, b, dst, count);
+    for_each_vector(count, 16, [=](size_t i) {
+        store_values(dst + i, _mm256_sub_epi16(widen16(a + i), widen16(b + i)));
+    });
+}
+
+static void widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
+    if (count < 16) return plain_rows.widen(src, dst, count);
+    for_each_vector(count, 16, [=](size_t i) { store_values(dst + i, widen16(src + i)); });
+}
+
+// With d = a - b the blend is b + ((m d - b + 128) >> 8). m d has up to 18 bits: its upper part
+// comes from the high half of (64 d)(4 m), its low byte from the low half of m d.
+static inline __m256i blend_values(__m256i m, __m256i a, __m256i b) {
+    const __m256i d = _mm256_sub_epi16(a, b);
+    const __m256i upper = _mm256_mulhi_epi16(_mm256_slli_epi16(d, 6), _mm256_slli_epi16(m, 2));
+    const __m256i lower = _mm256_and_si256(_mm256_mullo_epi16(d, m), _mm256_set1_epi16(255));
+    const __m256i rest = _mm256_add_epi16(_mm256_sub_epi16(lower, b), _mm256_set1_epi16(128));
+    return _mm256_add_epi16(_mm256_add_epi16(b, upper), _mm256_srai_epi16(rest, 8));
+}
+
+// 16 pixels: three vectors of values and the mask, each byte three times.
+typedef struct blended_pixels {
+    __m256i values[3];
+} blended_pixels;
+
+static inline blended_pixels blend_pixels(const uint8_t* mask, const int16_t* a, const int16_t* b) {
+    const __m128i m = load16(mask);
+    const __m128i triples[3] = {
+        _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5),
+        _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
+        _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
+    blended_pixels out;
+    for (size_t k = 0; k < 3; k++) {
+        const __m256i weights = _mm256_cvtepu8_epi16(_mm_shuffle_epi8(m, triples[k]));
+        out.values[k] = blend_values(weights, load_values(a + 16 * k), load_values(b + 16 * k));
+    }
+    return out;
+}
+
+static inline void store_pixels(int16_t* dst, const blended_pixels* pixels) {
+    for (size_t k = 0; k < 3; k++)
+        store_values(dst + 16 * k, pixels->values[k]);
+}
+
+// The output may be an input: the last pixels are computed before any is stored.
+static void blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                  size_t pixels) {
+    if (pixels < 16) return plain_rows.blend(mask, a, b, dst, pixels);
+    const size_t last = pixels - 16;
+    const blended_pixels tail = blend_pixels(mask + last, a + 3 * last, b + 3 * last);
+    for (size_t p = 0; p + 16 <= pixels; p += 16) {
+        const blended_pixels run = blend_pixels(mask + p, a + 3 * p, b + 3 * p);
+        store_pixels(dst + 3 * p, &run);
+    }
+    store_pixels(dst + 3 * last, &tail);
+}
+
+static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
+                     size_t count) {
+    if (count < 32) return plain_rows.collapse(lap, base, dst, count);
+    for_each_vector(count, 32, [=](size_t i) {
+        const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
+        const __m256i high = _mm256_add_epi16(load_values(lap + i + 16), widen16(base + i + 16));
+        store(dst + i, pack_in_order(low, high));
+    });
+}
+
+static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
+    if (count < 32) return plain_rows.narrow(src, dst, count);
+    const __m256i low_byte = _mm256_set1_epi16(255);
+    for_each_vector(count, 32, [=](size_t i) {
+        store(dst + i, pack_in_order(_mm256_and_si256(load_values(src + i), low_byte),
+                                     _mm256_and_si256(load_values(src + i + 16), low_byte)));
+    });
+}
+
+static void pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels) {
+    if (pixels < 8) return plain_rows.pack_rgb(argb, rgb, pixels);
+    const __m256i colours = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(1, 2, 3, 5, 6, 7, 9, 10, 11, 13, 14, 15, -1, -1, -1, -1));
+    for_each_vector(pixels, 8, [=](size_t p) {
+        store_two_twelves(rgb + 3 * p, _mm256_shuffle_epi8(load(argb + 4 * p), colours));
+    });
+}
+
+static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels) {
+    if (pixels < 8) return plain_rows.unpack_rgb(rgb, argb, pixels);
+    // The upper half is loaded four bytes early, so that the load ends with the last pixel.
+    const __m256i spread =
+        _mm256_setr_epi8(-1, 0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1, 4, 5, 6, -1, 7,
+                         8, 9, -1, 10, 11, 12, -1, 13, 14, 15);
+    const __m256i opaque = _mm256_set1_epi32(255);
+    for_each_vector(pixels, 8, [=](size_t p) {
+        const bytes32 packed = load_halves(rgb + 3 * p, rgb + 3 * p + 8);
+        store(argb + 4 * p, _mm256_or_si256(_mm256_shuffle_epi8(packed, spread), opaque));
+    });
+}
+
+static const row_ops table = {
+    "avx2",   reduce_row_c3, reduce_row_c1, expand_row_c3, reduce_column, expand_even, expand_odd,
+    subtract, widen,         blend,         collapse,      narrow,        pack_rgb,    unpack_rgb,
+};
+
+const row_ops* avx2_rows(void) {
+    return __builtin_cpu_supports("avx2") ? &table : NULL;
+}
+
+#else
+
+const row_ops* avx2_rows(void) {
+    return NULL;
+}
+
+#endif
