@@ -117,42 +117,20 @@ static void expand_strip(const band_bundle* bundle, const strip* s, const pictur
     ImageExpand_BandC3(&task);
 }
 
-// One row of one Laplacian level: the picture's row minus its expansion.
-static void laplace_row(const band_bundle* bundle, const uint8_t* row, const uint8_t* expanded,
-                        int16_t* lap) {
-    band_task task = bundle->laplace;
-    task.src = row;
-    task.src2 = expanded;
-    task.dst_lap = lap;
-    ImageLaplace_Byte3C(&task);
-}
-
-// lap_dst becomes the blend of both rows under the mask.
-static void blend_row(const band_bundle* bundle, int32_t row, const band_rows* rows) {
-    band_task task = bundle->blend;
-    task.src = bundle->mask + (size_t)row * (size_t)task.src_width;
-    task.lap = rows->lap_src;
-    task.lap2 = rows->lap_dst;
-    task.dst_lap = rows->lap_dst;
-    ImageBlend_Short3C(&task);
-}
-
 // Row `row` of the result from row `index` of the expanded strips.
-static void collapse_row(const band_bundle* bundle, int32_t row, size_t index,
-                         const band_rows* rows) {
-    band_task task = bundle->collapse;
-    const int32_t width = task.src_width;
+static void merge_row(const band_bundle* bundle, int32_t row, size_t index, const band_rows* rows) {
+    const int32_t width = bundle->expand.dst_width;
     const size_t offset = index * 3 * (size_t)width;
-    const uint8_t* src = read_rows(&bundle->src, row, 1, width, rows->cut_src);
-    const uint8_t* dst = read_rows(&bundle->dst, row, 1, width, rows->cut_dst);
-    laplace_row(bundle, src, rows->expanded[0] + offset, rows->lap_src);
-    laplace_row(bundle, dst, rows->expanded[1] + offset, rows->lap_dst);
-    blend_row(bundle, row, rows);
-    task.lap = rows->lap_dst;
-    task.src = rows->expanded[2] + offset;
-    task.dst = result_row(&bundle->result, row, width, rows->out);
-    ImageCollapse_Short3C(&task);
-    store_row(&bundle->result, row, width, task.dst);
+    merge_rows inputs;
+    inputs.mask = bundle->mask + (size_t)row * (size_t)width;
+    inputs.src = read_rows(&bundle->src, row, 1, width, rows->cut_src);
+    inputs.under = read_rows(&bundle->dst, row, 1, width, rows->cut_dst);
+    inputs.expanded_src = rows->expanded[0] + offset;
+    inputs.expanded_under = rows->expanded[1] + offset;
+    inputs.expanded_result = rows->expanded[2] + offset;
+    uint8_t* out = result_row(&bundle->result, row, width, rows->out);
+    ImageMerge_Byte3C(&inputs, out, width);
+    store_row(&bundle->result, row, width, out);
 }
 
 void* band_bundle_collapse(void* arg) {
@@ -168,7 +146,7 @@ void* band_bundle_collapse(void* arg) {
         const int32_t fine_begin = 2 * s.begin;
         const int32_t fine_end = s.band_pos == BAND_LAST ? bundle->expand.dst_height : 2 * s.end;
         for (int32_t y = fine_begin; y < fine_end; y++) {
-            collapse_row(bundle, y, (size_t)(y - fine_begin), &rows);
+            merge_row(bundle, y, (size_t)(y - fine_begin), &rows);
         }
         row = s.end;
     }
@@ -179,6 +157,7 @@ void* band_bundle_collapse(void* arg) {
 void* band_bundle_top(void* arg) {
     const band_bundle* bundle = (const band_bundle*)arg;
     band_task widen = bundle->widen;
+    band_task blend = bundle->blend;
     const int32_t width = widen.src_width;
     const band_rows rows = split_band_scratch(bundle->scratch, width);
     for (int32_t row = bundle->begin; row < bundle->end; row++) {
@@ -188,7 +167,10 @@ void* band_bundle_top(void* arg) {
         widen.src = read_rows(&bundle->dst, row, 1, width, rows.cut_dst);
         widen.dst_lap = rows.lap_dst;
         ImageWiden_Byte3C(&widen);
-        blend_row(bundle, row, &rows);
+        blend.src = bundle->mask + (size_t)row * (size_t)width;
+        blend.lap = rows.lap_src;
+        blend.lap2 = blend.dst_lap = rows.lap_dst;
+        ImageBlend_Short3C(&blend);
         uint8_t* out = result_row(&bundle->result, row, width, rows.out);
         narrow_plane_c3(rows.lap_dst, (uint32_t)width, 1, out);
         store_row(&bundle->result, row, width, out);

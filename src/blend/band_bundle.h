@@ -32,11 +32,9 @@ band_rows split_band_scratch(uint8_t* scratch, int32_t width);
 typedef struct band_bundle {
     band_task reduce;       // a strip of colours into the next level
     band_task expand;       // a strip of the coarse level to the size of the fine one
-    band_task laplace;      // a row of the fine level minus its expansion
     band_task widen;        // a row of the coarsest level
     band_task mask_reduce;  // a strip of the mask into its next level
-    band_task blend;        // a row of both Laplacian levels under the mask
-    band_task collapse;     // the blended row plus the expanded result
+    band_task blend;        // a row of the coarsest Laplacian levels under the mask
     thread_pool* pool;      // null when the bundle runs in the caller
     int32_t levels;
     int32_t level;  // the finer of the two levels

@@ -60,7 +60,7 @@ static band_task row_task(const pyramid_run* run, int32_t level) {
 static void fill_bundle(pyramid_run* run, int32_t level, int32_t k, int32_t begin, int32_t end) {
     band_bundle* bundle = &run->band_bundles[k];
     *bundle = band_bundle();
-    bundle->laplace = bundle->widen = bundle->blend = bundle->collapse = row_task(run, level);
+    bundle->widen = bundle->blend = row_task(run, level);
     bundle->pool = run->pool;
     bundle->levels = run->levels;
     bundle->level = level;

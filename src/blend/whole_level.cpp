@@ -1,6 +1,6 @@
 #include "blend/whole_level.h"
 
-#include "kernels/row_ops.h"
+#include "kernels/band_kernels.h"
 #include "kernels/whole_plane.h"
 #include "memory.h"
 
@@ -34,23 +34,45 @@ static bool expand(const level_sizes* z, const picture* coarse, uint8_t* fine) {
                           z->height) == 0;
 }
 
+// One record serves the four kernels of the way up: each reads the planes that it needs.
+static band_task whole_task(const level_sizes* z, const uint8_t* expanded) {
+    static const pixel_layout layout_c3 = {0, 3}, layout_mask = {0, 1};
+    band_task task = band_task();
+    task.src_width = z->width;
+    task.src_height = task.src_rows = z->height;
+    task.src_geom = task.src2_geom = task.dst_geom = &layout_c3;
+    task.mask_geom = &layout_mask;
+    task.src2 = expanded;
+    return task;
+}
+
 bool collapse_whole_level(pyramid_run* run, int32_t level) {
-    const row_ops* rows = active_rows();
     const level_sizes z = sizes_of(run->ws, level);
-    const size_t pixels = (size_t)z.width * (size_t)z.height;
-    int16_t* lap_src = run->ws->lap_src[level];
-    int16_t* lap_dst = run->ws->lap_dst[level];
     uint8_t* expanded = (uint8_t*)alloc_plane(z.width, z.height, 3);
-    bool done = expanded != NULL;
-    if (done && (done = expand(&z, &run->src[level + 1], expanded))) {
-        rows->subtract(run->src[level].pixels, expanded, lap_src, 3 * pixels);
+    if (expanded == NULL) return false;
+    band_task task = whole_task(&z, expanded);
+    bool done = expand(&z, &run->src[level + 1], expanded);
+    if (done) {
+        task.src = run->src[level].pixels;
+        task.dst_lap = run->ws->lap_src[level];
+        ImageLaplace_Byte3C(&task);
+        done = expand(&z, &run->dst[level + 1], expanded);
     }
-    if (done && (done = expand(&z, &run->dst[level + 1], expanded))) {
-        rows->subtract(run->dst[level].pixels, expanded, lap_dst, 3 * pixels);
+    if (done) {
+        task.src = run->dst[level].pixels;
+        task.dst_lap = run->ws->lap_dst[level];
+        ImageLaplace_Byte3C(&task);
+        done = expand(&z, &run->result[level + 1], expanded);
     }
-    if (done && (done = expand(&z, &run->result[level + 1], expanded))) {
-        rows->blend(run->mask[level], lap_src, lap_dst, lap_dst, pixels);
-        rows->collapse(lap_dst, expanded, run->result[level].pixels, 3 * pixels);
+    if (done) {
+        task.src = run->mask[level];
+        task.lap = run->ws->lap_src[level];
+        task.lap2 = task.dst_lap;
+        ImageBlend_Short3C(&task);
+        task.src = expanded;
+        task.lap = task.dst_lap;
+        task.dst = run->result[level].pixels;
+        ImageCollapse_Short3C(&task);
     }
     free(expanded);
     return done;

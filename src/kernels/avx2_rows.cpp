@@ -211,21 +211,26 @@ static inline __m256i blend_values(__m256i m, __m256i a, __m256i b) {
     return _mm256_add_epi16(_mm256_add_epi16(b, upper), _mm256_srai_epi16(rest, 8));
 }
 
-// 16 pixels: three vectors of values and the mask, each byte three times.
+// Mask bytes of a third of 16 pixels, each three times, as 16-bit weights.
+static inline __m256i mask_triples(__m128i mask, size_t third) {
+    const __m128i triples[3] = {
+        _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5),
+        _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
+        _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
+    return _mm256_cvtepu8_epi16(_mm_shuffle_epi8(mask, triples[third]));
+}
+
+// 16 pixels of three channels.
 typedef struct blended_pixels {
     __m256i values[3];
 } blended_pixels;
 
 static inline blended_pixels blend_pixels(const uint8_t* mask, const int16_t* a, const int16_t* b) {
     const __m128i m = load16(mask);
-    const __m128i triples[3] = {
-        _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5),
-        _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
-        _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
     blended_pixels out;
     for (size_t k = 0; k < 3; k++) {
-        const __m256i weights = _mm256_cvtepu8_epi16(_mm_shuffle_epi8(m, triples[k]));
-        out.values[k] = blend_values(weights, load_values(a + 16 * k), load_values(b + 16 * k));
+        out.values[k] =
+            blend_values(mask_triples(m, k), load_values(a + 16 * k), load_values(b + 16 * k));
     }
     return out;
 }
@@ -255,6 +260,57 @@ static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restric
         const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
         const __m256i high = _mm256_add_epi16(load_values(lap + i + 16), widen16(base + i + 16));
         store(dst + i, pack_in_order(low, high));
+    });
+}
+
+// A Laplacian value under a full weight of 255: (255 v + 128) >> 8.
+static inline __m256i full_weight(__m256i v) {
+    const __m256i rest = _mm256_sub_epi16(_mm256_set1_epi16(128), v);
+    return _mm256_add_epi16(v, _mm256_srai_epi16(rest, 8));
+}
+
+// 48 values as bytes in their order, saturated.
+static inline void store_48(uint8_t* dst, const __m256i values[3]) {
+    store(dst, pack_in_order(values[0], values[1]));
+    store16(dst + 32, _mm256_castsi256_si128(pack_in_order(values[2], values[2])));
+}
+
+// 16 pixels where the mask is all 0 or all 255: only one picture counts.
+static inline void merge_one(const uint8_t* row, const uint8_t* expanded, const uint8_t* result,
+                             uint8_t* dst) {
+    __m256i values[3];
+    for (size_t k = 0; k < 48; k += 16) {
+        const __m256i lap = _mm256_sub_epi16(widen16(row + k), widen16(expanded + k));
+        values[k / 16] = _mm256_add_epi16(full_weight(lap), widen16(result + k));
+    }
+    store_48(dst, values);
+}
+
+static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, uint8_t* dst) {
+    __m256i values[3];
+    for (size_t k = 0; k < 3; k++, i += 16) {
+        const __m256i a = _mm256_sub_epi16(widen16(rows->src + i), widen16(rows->expanded_src + i));
+        const __m256i b =
+            _mm256_sub_epi16(widen16(rows->under + i), widen16(rows->expanded_under + i));
+        const __m256i blended = blend_values(mask_triples(mask, k), a, b);
+        values[k] = _mm256_add_epi16(blended, widen16(rows->expanded_result + i));
+    }
+    store_48(dst, values);
+}
+
+static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    if (pixels < 16) return plain_rows.merge(rows, dst, pixels);
+    const merge_rows r = *rows;
+    for_each_vector(pixels, 16, [&r, dst](size_t p) {
+        const __m128i mask = load16(r.mask + p);
+        const size_t i = 3 * p;
+        if (_mm_test_all_zeros(mask, mask)) {
+            merge_one(r.under + i, r.expanded_under + i, r.expanded_result + i, dst + i);
+        } else if (_mm_test_all_ones(mask)) {
+            merge_one(r.src + i, r.expanded_src + i, r.expanded_result + i, dst + i);
+        } else {
+            merge_both(mask, &r, i, dst + i);
+        }
     });
 }
 
@@ -290,8 +346,9 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 static const row_ops table = {
-    "avx2",   reduce_row_c3, reduce_row_c1, expand_row_c3, reduce_column, expand_even, expand_odd,
-    subtract, widen,         blend,         collapse,      narrow,        pack_rgb,    unpack_rgb,
+    "avx2",      reduce_row_c3, reduce_row_c1, expand_row_c3, reduce_column,
+    expand_even, expand_odd,    subtract,      widen,         blend,
+    collapse,    merge,         narrow,        pack_rgb,      unpack_rgb,
 };
 
 const row_ops* avx2_rows(void) {

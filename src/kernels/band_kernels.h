@@ -10,6 +10,7 @@
 #define IMAGEBLEND_KERNELS_BAND_KERNELS_H
 
 #include "blend/band_task.h"
+#include "kernels/row_ops.h"
 
 // dst_lap[i] = src[i] - src2[i], in -255..255: the level minus the expanded coarser level.
 int32_t ImageLaplace_Byte3C(const band_task* task);
@@ -20,6 +21,11 @@ int32_t ImageWiden_Byte3C(const band_task* task);
 // dst[i] = min(max(lap[i] + src[i], 0), 255), the sum wrapping at 16 bits: one step of the
 // collapse.
 int32_t ImageCollapse_Short3C(const band_task* task);
+
+// The four steps of the way up in one, for one row: ImageLaplace_Byte3C of the source and of the
+// destination, ImageBlend_Short3C and ImageCollapse_Short3C, without the 16-bit rows between them.
+// `pixels` pixels; `dst` holds three bytes for each.
+void ImageMerge_Byte3C(const merge_rows* rows, uint8_t* dst, int32_t pixels);
 
 // For each channel of pixel p, with m = src[p]:
 //   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down

@@ -70,6 +70,18 @@ static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restric
     }
 }
 
+static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    for (size_t p = 0; p < pixels; p++) {
+        const int32_t m = rows->mask[p];
+        for (size_t i = 3 * p; i < 3 * p + 3; i++) {
+            const int32_t a = rows->src[i] - rows->expanded_src[i];
+            const int32_t b = rows->under[i] - rows->expanded_under[i];
+            const int32_t sum = rows->expanded_result[i] + ((m * a + (255 - m) * b + 128) >> 8);
+            dst[i] = (uint8_t)(sum < 0 ? 0 : (sum > 255 ? 255 : sum));
+        }
+    }
+}
+
 static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
     for (size_t i = 0; i < count; i++)
         dst[i] = (uint8_t)src[i];
@@ -88,6 +100,7 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",  reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column, expand_even, expand_odd,
-    subtract, widen,         blend,         collapse,      narrow,        pack_rgb,    unpack_rgb,
+    "plain",     reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column,
+    expand_even, expand_odd,    subtract,      widen,         blend,
+    collapse,    merge,         narrow,        pack_rgb,      unpack_rgb,
 };

@@ -12,6 +12,16 @@
 #include <stddef.h>
 #include <stdint.h>
 
+// Inputs of one merged row; three channels but for the mask.
+typedef struct merge_rows {
+    const uint8_t* mask;
+    const uint8_t* src;    // where the mask is set
+    const uint8_t* under;  // where it is not
+    const uint8_t* expanded_src;
+    const uint8_t* expanded_under;
+    const uint8_t* expanded_result;
+} merge_rows;
+
 typedef struct row_ops {
     const char* name;
 
@@ -56,6 +66,13 @@ typedef struct row_ops {
     // dst = min(max(lap + base, 0), 255), the sum wrapping at 16 bits.
     void (*collapse)(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
                      size_t count);
+
+    // subtract twice, blend and collapse in one: a row of one level of the blended pyramid, made
+    // from the level's pictures, their expanded coarser levels and the expanded coarser result.
+    //   dst = min(max(expanded_result + ((m (src - expanded_src)
+    //                                     + (255 - m) (under - expanded_under) + 128) >> 8), 0),
+    //                                     255)
+    void (*merge)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
 
     // dst = the low 8 bits of src.
     void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
