@@ -1,6 +1,4 @@
 // vorn_imageBlending: prepares the object's mask and hands the blend to the engine.
-#include <string.h>
-
 #include "api/mask_box.h"
 #include "api/rotation.h"
 #include "api/zoom_plane.h"
@@ -23,9 +21,9 @@ typedef struct blend_call {
     int32_t center_x, center_y;       // of the unrotated box
     int32_t zoom_width, zoom_height;
     float zoom;
-    uint8_t* crop;         // the box of the mask
-    size_t crop_bytes;     // its capacity
-    uint8_t* zoomed_mask;  // zoom_width x zoom_height
+    rotation turn;         // when there is an angle
+    uint8_t* crop;         // the box of the mask, crop_width x crop_height
+    uint8_t* zoomed_mask;  // zoom_width x zoom_height; null at zoom 1
 } blend_call;
 
 static void log_frame_sizes(const blend_image* icon, const blend_image* destination,
@@ -46,21 +44,28 @@ static void log_start(int32_t center_x, int32_t center_y, float zoom, float angl
              (double)zoom, (double)angle);
 }
 
-static bool crop_object(blend_call* call, const blend_image* mask) {
-    const bool has_pixels = call->width >= 1 && call->height >= 1;
-    call->crop_bytes = has_pixels ? (size_t)call->width * (size_t)call->height : 0;
-    call->crop = (uint8_t*)alloc_zeroed_plane((int64_t)call->crop_bytes, 1, 1);
-    if (call->crop == NULL) return false;
-    crop_mask(mask->data, call->width, call->height, call->crop, &call->crop_width,
-              &call->crop_height, &call->bare_width, &call->bare_height, &call->x0, &call->y0,
-              &call->level_zoom, BASE_LEVEL, true, &layout_mask, true, &call->level_box, call->zoom,
-              call->crop_bytes);
+static void measure_object(blend_call* call, const blend_image* mask) {
+    crop_mask(mask->data, call->width, call->height, NULL, &call->crop_width, &call->crop_height,
+              &call->bare_width, &call->bare_height, &call->x0, &call->y0, &call->level_zoom,
+              BASE_LEVEL, true, &layout_mask, true, &call->level_box, call->zoom, 0);
     call->center_x = saturate_i32((int64_t)call->x0 + call->crop_width / 2);
     call->center_y = saturate_i32((int64_t)call->y0 + call->crop_height / 2);
+}
+
+// Copies the object's box out of a mask. A frame without pixels has no box to copy.
+static bool crop_object(blend_call* call, const mask_view* mask) {
+    const bool has_pixels =
+        call->width >= 1 && call->height >= 1 && call->crop_width >= 1 && call->crop_height >= 1;
+    const int64_t bytes = has_pixels ? (int64_t)call->crop_width * call->crop_height : 0;
+    call->crop = (uint8_t*)alloc_plane(bytes, 1, 1);
+    if (call->crop == NULL) return false;
+    copy_mask_box(mask, call->x0, call->y0, call->crop_width, call->crop_height, call->crop,
+                  (size_t)bytes);
     return true;
 }
 
-// A record for the rotated icon with pixels of the frame's size, or null.
+// A record for the rotated icon with pixels of the frame's size, or null. The pixels are filled
+// when it is known which of them the blend reads.
 static blend_image* alloc_rotated_icon(int32_t width, int32_t height) {
     blend_image* icon = (blend_image*)malloc(sizeof(blend_image));
     if (icon == NULL) return NULL;
@@ -73,47 +78,53 @@ static blend_image* alloc_rotated_icon(int32_t width, int32_t height) {
     return NULL;
 }
 
-// Rotates icon and mask about the box's centre and finds the box again. On success the rotated icon
-// is in g_rotated_icon.
-static bool rotate_object(blend_call* call, const blend_image* icon, const blend_image* mask,
-                          float angle) {
-    const bool has_pixels = call->width >= 1 && call->height >= 1;
-    uint8_t* rotated_mask = (uint8_t*)alloc_zeroed_plane((int64_t)call->crop_bytes, 1, 1);
-    blend_image* rotated = alloc_rotated_icon(call->width, call->height);
-    if (rotated_mask == NULL || rotated == NULL) {
-        if (rotated != NULL) free(rotated->data);
-        free(rotated);
-        free(rotated_mask);
-        return false;
-    }
-    g_rotated_icon = rotated;
-    const rotation turn = make_rotation(angle, call->center_x, call->center_y);
-    if (has_pixels) {
-        rotate_frame(&turn, call->width, call->height, mask->data, rotated_mask, icon->data,
-                     rotated->data);
-    }
-    crop_rotated_mask(rotated_mask, call->width, call->height, call->crop, &call->crop_width,
+// Rotates the mask about the box's centre, finds the box again and crops it. On success there is a
+// rotated icon in g_rotated_icon.
+static bool rotate_object(blend_call* call, const blend_image* mask) {
+    const mask_view upright = view_of_mask(mask->data, call->width, call->height, &layout_mask);
+    const mask_extent extent = scan_mask(&upright, call->width, call->height);
+    rotated_mask rotated;
+    if (!make_rotated_mask(&call->turn, mask->data, &extent, &rotated)) return false;
+    crop_rotated_mask(&rotated.view, call->width, call->height, &call->crop_width,
                       &call->crop_height, &call->bare_width, &call->bare_height, &call->x0,
                       &call->y0, call->center_x, call->center_y, &call->level_zoom, BASE_LEVEL,
-                      true, &layout_mask, true, &call->level_box, call->zoom, call->crop_bytes);
-    free(rotated_mask);
-    return true;
+                      true, true, &call->level_box, call->zoom);
+    bool done = crop_object(call, &rotated.view);
+    free_rotated_mask(&rotated);
+    if (done) {
+        blend_image* icon = alloc_rotated_icon(call->width, call->height);
+        done = icon != NULL;
+        if (done) g_rotated_icon = icon;
+    }
+    return done;
 }
 
-// Brings the cropped mask to the zoomed size.
-static bool zoom_mask(blend_call* call) {
+// The pixels of the rotated icon that the blend reads: the box around the centre, moved inside at
+// the left and top. A box that leaves the frame goes on at the start of the next row.
+static pixel_window colour_window(const blend_call* call) {
+    const int64_t left = max_i64((int64_t)call->center_x - call->crop_width / 2, 0);
+    const int64_t top = max_i64((int64_t)call->center_y - call->crop_height / 2, 0);
+    const int64_t right = left + call->crop_width, bottom = top + call->crop_height;
+    const bool leaves = right > call->width || bottom > call->height;
+    pixel_window window;
+    window.x_begin = leaves ? 0 : (int32_t)left;
+    window.x_end = leaves ? call->width : (int32_t)right;
+    window.y_begin = (int32_t)min_i64(top, max_i64((int64_t)call->height - 1, 0));
+    window.y_end = (int32_t)min_i64(bottom + (leaves ? 1 : 0), call->height);
+    return window;
+}
+
+// The mask of the zoomed box: the crop itself at zoom 1, else resized; null without memory.
+static const uint8_t* zoom_mask(blend_call* call) {
     const bool has_pixels = call->crop_width >= 1 && call->crop_height >= 1 &&
                             call->zoom_width >= 1 && call->zoom_height >= 1;
-    call->zoomed_mask = (uint8_t*)alloc_zeroed_plane(has_pixels ? call->zoom_width : 0,
-                                                     has_pixels ? call->zoom_height : 0, 1);
-    if (call->zoomed_mask == NULL) return false;
-    if (has_pixels && call->zoom != 1.0f) {
+    if (call->zoom == 1.0f || !has_pixels) return call->crop;
+    call->zoomed_mask = (uint8_t*)alloc_plane(call->zoom_width, call->zoom_height, 1);
+    if (call->zoomed_mask != NULL) {
         zoom_plane_nearest(call->crop, call->crop_width, call->crop_height, call->zoomed_mask,
                            call->zoom_width, call->zoom_height, 1);
-    } else if (has_pixels) {
-        memcpy(call->zoomed_mask, call->crop, (size_t)call->zoom_width * (size_t)call->zoom_height);
     }
-    return true;
+    return call->zoomed_mask;
 }
 
 // The corner of the bare, zoomed box around the placement's centre.
@@ -124,19 +135,26 @@ static int32_t corner_of(int32_t center, int32_t bare_size, float zoom) {
 static int32_t blend_object(blend_call* call, const blend_image* icon,
                             const blend_image* destination, const blend_image* output,
                             int32_t center_x, int32_t center_y) {
-    if (!zoom_mask(call)) return -1;
-    return blend_region(icon, destination, call->zoomed_mask, output,
-                        corner_of(center_x, call->bare_width, call->zoom),
-                        corner_of(center_y, call->bare_height, call->zoom), call->crop_width,
-                        call->crop_height, call->center_x, call->center_y, call->level_zoom,
-                        call->level_box, 0, call->zoom);
+    const uint8_t* zoomed_mask = zoom_mask(call);
+    if (zoomed_mask == NULL) return -1;
+    return blend_region(
+        icon, destination, zoomed_mask, output, corner_of(center_x, call->bare_width, call->zoom),
+        corner_of(center_y, call->bare_height, call->zoom), call->crop_width, call->crop_height,
+        call->center_x, call->center_y, call->level_zoom, call->level_box, 0, call->zoom);
 }
 
 static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_image* destination,
                          const blend_image* mask, const blend_image* output, int32_t center_x,
                          int32_t center_y, float angle) {
-    if (!crop_object(call, mask)) return -1;
-    if (angle != 0.0f && !rotate_object(call, icon, mask, angle)) return -1;
+    measure_object(call, mask);
+    if (angle != 0.0f) {
+        call->turn =
+            make_rotation(angle, call->center_x, call->center_y, call->width, call->height);
+        if (!rotate_object(call, mask)) return -1;
+    } else {
+        const mask_view upright = view_of_mask(mask->data, call->width, call->height, &layout_mask);
+        if (!crop_object(call, &upright)) return -1;
+    }
     call->zoom_width = float_to_i32((float)call->crop_width * call->zoom);
     call->zoom_height = float_to_i32((float)call->crop_height * call->zoom);
     LOG_LINE(LOG_ERROR, "LLF double check cropsize[%d,%d],maxsize[%d,%d]\n", call->zoom_width,
@@ -151,7 +169,12 @@ static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_
     if (!same_size(destination, mask)) {
         log_frame_sizes(icon, destination, mask);
     } else {
-        const blend_image* source = angle != 0.0f ? g_rotated_icon : icon;
+        const blend_image* source = icon;
+        if (angle != 0.0f) {
+            const pixel_window window = colour_window(call);
+            rotate_colours(&call->turn, icon->data, &window, g_rotated_icon->data);
+            source = g_rotated_icon;
+        }
         status = blend_object(call, source, destination, output, center_x, center_y);
     }
     free_rotated_icon();

@@ -2,19 +2,7 @@
 #ifndef IMAGEBLEND_API_MASK_BOX_H
 #define IMAGEBLEND_API_MASK_BOX_H
 
-#include <stddef.h>
-
-#include "pixel_layout.h"
-
-// Half the rule of the bounding box: the extreme columns and rows that hold a non-zero sample.
-// Without one, xmin = W - 1, ymin = H - 1 and xmax = ymax = 0. 64 bits, because W - 1 may not fit
-// into 32.
-typedef struct mask_extent {
-    int64_t xmin, ymin, xmax, ymax;
-} mask_extent;
-
-mask_extent scan_mask(const uint8_t* samples, int32_t width, int32_t height,
-                      const pixel_layout* layout);
+#include "api/mask_view.h"
 
 static inline int64_t extent_width(const mask_extent* e) {
     return e->xmax - e->xmin + 1;
@@ -42,22 +30,28 @@ int32_t find_mask_box(const uint8_t* samples, int32_t width, int32_t height, int
                       int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
                       const pixel_layout* layout, bool margins, int32_t* level);
 
+// The same for samples that are seen through a window of the frame.
+int32_t find_view_box(const mask_view* mask, int32_t width, int32_t height, int32_t* x0,
+                      int32_t* y0, int32_t* crop_mask_width, int32_t* crop_mask_height,
+                      int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
+                      bool margins, int32_t* level);
+
 // Finds the box as find_mask_box does, logs its size, computes the level of the zoomed box and
 // copies the box into `crop`, packed rows of `crop_mask_width` bytes. Samples outside the frame
-// read as 0. What does not fit into `crop_bytes` is left out.
+// read as 0. What does not fit into `crop_bytes` is left out; with 0 bytes the box is only measured
+// and `crop` may be null.
 void crop_mask(const uint8_t* samples, int32_t width, int32_t height, uint8_t* crop,
                int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
                int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t* level_zoom, int32_t base,
                bool clamp, const pixel_layout* layout, bool margins, int32_t* level_box, float zoom,
                size_t crop_bytes);
 
-// The same for a rotated mask, without the log line: when the corner differs from the one passed in
-// x0 and y0, the box is centred on (center_x, center_y) instead.
-void crop_rotated_mask(const uint8_t* samples, int32_t width, int32_t height, uint8_t* crop,
+// Measures the box of a rotated mask, without the log line: when the corner differs from the one
+// passed in x0 and y0, the box is centred on (center_x, center_y) instead.
+void crop_rotated_mask(const mask_view* mask, int32_t width, int32_t height,
                        int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
                        int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t center_x,
                        int32_t center_y, int32_t* level_zoom, int32_t base, bool clamp,
-                       const pixel_layout* layout, bool margins, int32_t* level_box, float zoom,
-                       size_t crop_bytes);
+                       bool margins, int32_t* level_box, float zoom);
 
 #endif

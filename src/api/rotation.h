@@ -2,26 +2,39 @@
 #ifndef IMAGEBLEND_API_ROTATION_H
 #define IMAGEBLEND_API_ROTATION_H
 
-#include <stdint.h>
-
-typedef struct rotation {
-    float cosine, sine;
-    int32_t center_x, center_y;
-} rotation;
-
-// The angle in degrees is converted with the constant -3.1415926 / 180 in double precision, rounded
-// to single; cosine and sine are the double functions of that, rounded again.
-rotation make_rotation(float angle, int32_t center_x, int32_t center_y);
+#include "api/mask_view.h"
 
 // Inverse mapping without interpolation: the output pixel (x, y), with dx and dy its distance from
 // the centre, takes the source pixel
 //   (trunc((center_x + sine dy) + cosine dx), trunc((center_y + cosine dy) - sine dx))
-// in single precision, or 0 where that lies outside the frame. Since truncation is toward zero,
-// positions between -1 and 0 read row or column 0.
-//
-// `mask` and `rotated_mask` are width x height bytes. `icon` and `rotated_icon` are frames of
-// 4-byte pixels of that size, of which bytes 1, 2, 3 are read and written; both may be null.
-void rotate_frame(const rotation* turn, int32_t width, int32_t height, const uint8_t* mask,
-                  uint8_t* rotated_mask, const uint8_t* icon, uint8_t* rotated_icon);
+// in single precision, or 0 where that lies outside the frame of width x height pixels. Since
+// truncation is toward zero, positions between -1 and 0 read row or column 0.
+typedef struct rotation {
+    float cosine, sine;
+    int32_t center_x, center_y;
+    int32_t width, height;
+} rotation;
+
+// The angle in degrees is converted with the constant -3.1415926 / 180 in double precision, rounded
+// to single; cosine and sine are the double functions of that, rounded again.
+rotation make_rotation(float angle, int32_t center_x, int32_t center_y, int32_t width,
+                       int32_t height);
+
+// The rotated mask within the pixels that the object can reach; it is zero everywhere else.
+typedef struct rotated_mask {
+    uint8_t* samples;
+    mask_view view;
+} rotated_mask;
+
+// Rotates a mask whose non-zero samples lie within `extent`. False without memory. The caller frees
+// the result with free_rotated_mask.
+bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
+                       rotated_mask* rotated);
+void free_rotated_mask(rotated_mask* rotated);
+
+// Fills the pixels of the window in `rotated`, a frame of 4-byte pixels like `frame`. Byte 0 holds
+// nothing of use.
+void rotate_colours(const rotation* turn, const uint8_t* frame, const pixel_window* window,
+                    uint8_t* rotated);
 
 #endif

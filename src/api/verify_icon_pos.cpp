@@ -4,21 +4,23 @@
 #include "blend/depth.h"
 #include "imageblend.h"
 #include "log.h"
-#include "memory.h"
 
 static const pixel_layout layout_mask = {0, 1};
 
 // The object's box as the check sees it.
 typedef struct checked_box {
+    mask_extent extent;               // of the unrotated object
     int32_t margin;                   // from the unrotated object
+    int32_t x0, y0;                   // corner of the box with margins
     int32_t bare_width, bare_height;  // of the rotated object when there is an angle
     int32_t box_width, box_height;    // with margins
 } checked_box;
 
 // Finds the unrotated box; false when it is larger than the frame.
-static bool find_box(const uint8_t* mask, int32_t width, int32_t height, checked_box* box,
-                     int32_t* x0, int32_t* y0) {
-    const mask_extent extent = scan_mask(mask, width, height, &layout_mask);
+static bool find_box(const uint8_t* mask, int32_t width, int32_t height, checked_box* box) {
+    const mask_view view = view_of_mask(mask, width, height, &layout_mask);
+    const mask_extent extent = scan_mask(&view, width, height);
+    box->extent = extent;
     box->bare_width = saturate_i32(extent_width(&extent));
     box->bare_height = saturate_i32(extent_height(&extent));
     const int32_t shorter = box->bare_width < box->bare_height ? box->bare_width : box->bare_height;
@@ -28,8 +30,8 @@ static bool find_box(const uint8_t* mask, int32_t width, int32_t height, checked
         return false;
     }
     const box_margins m = margins_in_frame(&extent, width, height, box->margin);
-    *x0 = saturate_i32(extent.xmin - m.left);
-    *y0 = saturate_i32(extent.ymin - m.top);
+    box->x0 = saturate_i32(extent.xmin - m.left);
+    box->y0 = saturate_i32(extent.ymin - m.top);
     box->box_width = saturate_i32(extent_width(&extent) + m.left + m.right);
     box->box_height = saturate_i32(extent_height(&extent) + m.top + m.bottom);
     return true;
@@ -37,17 +39,17 @@ static bool find_box(const uint8_t* mask, int32_t width, int32_t height, checked
 
 // Replaces the sizes by those of the rotated object, whose level is not capped here. False when
 // there is no memory for the rotated mask.
-static bool rotate_box(const uint8_t* mask, int32_t width, int32_t height, float angle, int32_t x0,
-                       int32_t y0, checked_box* box) {
-    uint8_t* rotated = (uint8_t*)alloc_zeroed_plane(width, height, 1);
-    if (rotated == NULL) return false;
-    const rotation turn = make_rotation(angle, x0 + box->box_width / 2, y0 + box->box_height / 2);
-    rotate_frame(&turn, width, height, mask, rotated, NULL, NULL);
+static bool rotate_box(const uint8_t* mask, int32_t width, int32_t height, float angle,
+                       checked_box* box) {
+    const rotation turn = make_rotation(angle, box->x0 + box->box_width / 2,
+                                        box->y0 + box->box_height / 2, width, height);
+    rotated_mask rotated;
+    if (!make_rotated_mask(&turn, mask, &box->extent, &rotated)) return false;
     int32_t level;
-    find_mask_box(rotated, width, height, &x0, &y0, &box->box_width, &box->box_height,
-                  &box->bare_width, &box->bare_height, BASE_LEVEL, false, &layout_mask, true,
+    find_view_box(&rotated.view, width, height, &box->x0, &box->y0, &box->box_width,
+                  &box->box_height, &box->bare_width, &box->bare_height, BASE_LEVEL, false, true,
                   &level);
-    free(rotated);
+    free_rotated_mask(&rotated);
     return true;
 }
 
@@ -106,9 +108,8 @@ int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t width, int32_t he
     (void)reserved2;
     if (mask_data == NULL) return -1;
     checked_box box;
-    int32_t x0, y0;
-    if (!find_box(mask_data, width, height, &box, &x0, &y0)) return -1;
-    if (angle != 0.0f && !rotate_box(mask_data, width, height, angle, x0, y0, &box)) return -1;
+    if (!find_box(mask_data, width, height, &box)) return -1;
+    if (angle != 0.0f && !rotate_box(mask_data, width, height, angle, &box)) return -1;
     const int32_t zoomed_width = float_to_i32((float)box.box_width * zoom);
     const int32_t zoomed_height = float_to_i32((float)box.box_height * zoom);
     if (zoomed_width > width || zoomed_height > height) {

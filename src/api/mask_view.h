@@ -1,0 +1,41 @@
+// A mask as the scans and copies see it: samples inside a window, zero everywhere else.
+#ifndef IMAGEBLEND_API_MASK_VIEW_H
+#define IMAGEBLEND_API_MASK_VIEW_H
+
+#include <stddef.h>
+
+#include "pixel_layout.h"
+
+// Half-open ranges of columns and rows.
+typedef struct pixel_window {
+    int32_t x_begin, y_begin, x_end, y_end;
+} pixel_window;
+
+// `samples` is the sample at the window's corner; a row of the window starts `row_samples` samples
+// after the one above, each `step` bytes wide.
+typedef struct mask_view {
+    const uint8_t* samples;
+    pixel_window window;
+    int64_t row_samples;
+    int32_t step;
+} mask_view;
+
+// The whole of a packed mask.
+mask_view view_of_mask(const uint8_t* samples, int32_t width, int32_t height,
+                       const pixel_layout* layout);
+
+// The extreme columns and rows that hold a non-zero sample, for a frame of `width` x `height`.
+// Without one, xmin = width - 1, ymin = height - 1 and xmax = ymax = 0. 64 bits, because width - 1
+// may not fit into 32.
+typedef struct mask_extent {
+    int64_t xmin, ymin, xmax, ymax;
+} mask_extent;
+
+mask_extent scan_mask(const mask_view* mask, int32_t width, int32_t height);
+
+// Copies the box of `box_width` x `box_height` at (x0, y0) into packed rows. Rows that do not fit
+// into `crop_bytes` are left out.
+void copy_mask_box(const mask_view* mask, int32_t x0, int32_t y0, int32_t box_width,
+                   int32_t box_height, uint8_t* crop, size_t crop_bytes);
+
+#endif
