@@ -1,0 +1,44 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds, measures, prints one table and draws docs/bench.svg.
+# Usage: scripts/bench.sh [--quick]
+#   --quick  a few short rounds, for a first look; the drawing is left as it is
+# The folder of the build is build/, or $BUILD_DIR.
+set -euo pipefail
+source "$(dirname "$0")/packages.sh"
+
+rounds=15 seconds=0.1 quick=false
+for option in "$@"; do
+    case $option in
+        --quick) quick=true rounds=3 seconds=0.01 ;;
+        *) echo "bench.sh: unknown option $option (known: --quick)" >&2; exit 2 ;;
+    esac
+done
+
+need_packages g++ cmake make libbenchmark-dev nlohmann-json3-dev libopencv-dev gnuplot-nox
+build=${BUILD_DIR:-$root/build}
+cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
+programs=(bench_rows bench_pyramid bench_calls)
+cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_memory bench_table
+
+results=$build/bench/results
+mkdir -p "$results"
+files=()
+for program in "${programs[@]}"; do
+    echo "running $program"
+    # The rounds of all benchmarks of a program are mixed, so that what they are compared with
+    # meets the same moods of the machine.
+    "$build/bench/$program" --benchmark_repetitions=$rounds --benchmark_min_time=$seconds \
+        --benchmark_enable_random_interleaving=true --benchmark_out_format=json \
+        --benchmark_out="$results/$program.json" >/dev/null
+    files+=("$results/$program.json")
+done
+echo "running bench_memory"
+if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
+    files+=("$results/bench_memory.json")
+fi
+
+"$build/bench/bench_table" --plot "$results/plot.dat" "${files[@]}" | tee "$results/table.txt"
+if ! $quick; then
+    gnuplot -e "data='$results/plot.dat'; picture='$root/docs/bench.svg'" "$root/bench/plot.gp"
+    echo "drawing: $root/docs/bench.svg"
+fi

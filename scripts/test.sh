@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Installs what is missing, builds everything and runs all tests.
+set -euo pipefail
+source "$(dirname "$0")/packages.sh"
+need_packages "${build_packages[@]}" "${test_packages[@]}"
+cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_TESTS=ON
+cmake --build "$root/build" -j "$(nproc)"
+ctest --test-dir "$root/build" --output-on-failure -j "$(nproc)"

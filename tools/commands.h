@@ -1,0 +1,31 @@
+// The sub-commands. Each returns the exit status of a command that ran to its end.
+#ifndef IMAGEBLEND_TOOLS_COMMANDS_H
+#define IMAGEBLEND_TOOLS_COMMANDS_H
+
+#include <string>
+
+#include "errors.h"
+#include "object.h"
+#include "placement.h"
+
+namespace tool {
+
+struct BlendJob {
+    ObjectArguments object;
+    std::string destination;
+    std::string output;
+    PlacementArguments placement;
+};
+Exit run_blend(const BlendJob& job);
+
+// Prints the verdict; the output is not used.
+Exit run_verify(const BlendJob& job);
+
+// Prints "WIDTH HEIGHT". A source that has no alpha channel is a mask itself.
+Exit run_size(const ObjectArguments& arguments);
+
+Exit run_cutout(const ObjectArguments& arguments, const std::string& output);
+
+}  // namespace tool
+
+#endif
