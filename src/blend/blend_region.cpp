@@ -14,9 +14,6 @@
 // Below this height a picture is not cut into bands, and whole levels take patches only.
 enum { MIN_STREAMED_HEIGHT = 16 };
 
-static const pixel_layout layout_frame = {0, 4};
-static const pixel_layout layout_packed = {0, 3};
-
 static int32_t corner_of(int32_t center, int32_t size) {
     return saturate_i32(max_i64((int64_t)center - size / 2, 0));
 }
@@ -59,42 +56,18 @@ static int32_t place_zoomed(int32_t corner, int32_t margin_levels, int32_t crop_
     return zoomed_size + (float)start > last ? float_to_i32(last - zoomed_size) : start;
 }
 
-// Resizes the three channels of a packed picture, each as a plane of its own.
-static bool resize_channels(const uint8_t* packed, uint8_t* dst, int32_t src_width,
-                            int32_t src_height, int32_t dst_width, int32_t dst_height) {
-    const size_t src_pixels = (size_t)src_width * (size_t)src_height;
-    const size_t dst_pixels = (size_t)dst_width * (size_t)dst_height;
-    uint8_t* from = (uint8_t*)alloc_plane(src_width, src_height, 1);
-    uint8_t* to = (uint8_t*)alloc_plane(dst_width, dst_height, 1);
-    bool done = from != NULL && to != NULL;
-    for (size_t c = 0; c < 3 && done; c++) {
-        for (size_t p = 0; p < src_pixels; p++)
-            from[p] = packed[3 * p + c];
-        done = resize_plane(from, to, src_width, src_height, dst_width, dst_height, 1) == 0;
-        for (size_t p = 0; p < dst_pixels && done; p++)
-            dst[3 * p + c] = to[p];
-    }
-    free(from);
-    free(to);
-    return done;
-}
-
 // The source rectangle at the zoomed size, or null without memory.
 static uint8_t* zoom_source(const blend_image* src, const blend_box* box, int32_t crop_width,
                             int32_t crop_height) {
-    uint8_t* crop = (uint8_t*)alloc_plane(crop_width, crop_height, 3);
     uint8_t* patch = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
-    bool done = crop != NULL && patch != NULL;
-    if (done) {
-        crop_to_rgb(src->data, src->width, crop, box->crop_left, box->crop_top, crop_width,
-                    crop_height, &layout_frame, &layout_packed, src->height);
-        done = resize_channels(crop, patch, crop_width, crop_height, box->zoom_width,
-                               box->zoom_height);
+    const picture crop =
+        frame_picture(src->data, src->width, src->height, box->crop_left, box->crop_top);
+    if (patch != NULL && resize_rectangle(&crop, crop_width, crop_height, patch, box->zoom_width,
+                                          box->zoom_height) != 0) {
+        free(patch);
+        patch = NULL;
     }
-    free(crop);
-    if (done) return patch;
-    free(patch);
-    return NULL;
+    return patch;
 }
 
 // A rectangle of a frame, copied into a patch of its own; null without memory.

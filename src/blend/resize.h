@@ -12,7 +12,14 @@
 #ifndef IMAGEBLEND_BLEND_RESIZE_H
 #define IMAGEBLEND_BLEND_RESIZE_H
 
-#include <stdint.h>
+#include "blend/picture.h"
+
+// Both passes over a rectangle of `src_width` x `src_height` pixels of a 4-byte frame, which is cut
+// row by row as the output needs it, into a packed patch of three channels; a channel is a plane of
+// its own in all but its place in memory. Returns 0, or -1 with the patch untouched without memory
+// for a few rows.
+int32_t resize_rectangle(const picture* from, int32_t src_width, int32_t src_height, uint8_t* dst,
+                         int32_t dst_width, int32_t dst_height);
 
 // Both passes, rows first. Returns 0, or -1 with the target untouched when the intermediate plane
 // of dst_width x src_height pixels cannot be had.

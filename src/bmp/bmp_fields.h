@@ -19,7 +19,7 @@ enum {
 
 // 1: fields are stored least significant byte first, as the format has it. Any other value: most
 // significant first. The magic and the pixels are the same in both orders.
-extern int32_t byte_order_flag;
+extern int32_t byte_order_flag;  // NOLINT(bugprone-dynamic-static-initializers): a constant
 
 // Return 0, or 1 at the end of the file with *value left alone.
 int32_t read_u32(uint32_t* value, FILE* stream);

@@ -43,7 +43,9 @@ int32_t bmp_read_header(FILE* stream, int32_t* width, int32_t* height, uint32_t*
         FORMAT,
         FIELDS = FORMAT + 7
     };
-    if (fgetc(stream) != BMP_MAGIC_0 || fgetc(stream) != BMP_MAGIC_1) return 1;
+    const int first = fgetc(stream);
+    const int second = fgetc(stream);
+    if (first != BMP_MAGIC_0 || second != BMP_MAGIC_1) return 1;
     // Planes and bits per pixel make one field, and six follow it.
     uint32_t fields[FIELDS];
     for (int32_t i = 0; i < FIELDS; ++i) {

@@ -102,8 +102,9 @@ int32_t bmp_write(const char* path, int32_t width, int32_t height, const uint8_t
 int32_t raw_plane_write(const char* path, int32_t width, int32_t height, const uint8_t* pixels,
                         int32_t offset, int32_t step) {
     size_t count;
+    if (!buffer_size(width, height, 1, &count)) return allocation_failure();
     uint8_t* const bytes = (uint8_t*)alloc_plane(width, height, 1);
-    if (bytes == NULL || !buffer_size(width, height, 1, &count)) return allocation_failure();
+    if (bytes == NULL) return allocation_failure();
     for (size_t i = 0; i < count; ++i)
         bytes[i] = pixels[offset + step * (int64_t)i];
     FILE* const stream = open_output(path);

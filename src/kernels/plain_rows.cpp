@@ -87,6 +87,26 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
         dst[i] = (uint8_t)src[i];
 }
 
+static inline uint8_t interpolate(int s0, int s1, int weight) {
+    return (uint8_t)(((128 - weight) * s0 + weight * s1 + 64) >> 7);
+}
+
+static void mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
+                     size_t bytes) {
+    for (size_t i = 0; i < bytes; i++)
+        dst[i] = interpolate(s0[i], s1[i], weight);
+}
+
+static void resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
+                            uint8_t* __restrict dst, size_t pixels) {
+    for (size_t p = 0; p < pixels; p++) {
+        const uint8_t* s = src + 3 * (ptrdiff_t)taps[p].sample;
+        for (size_t k = 0; k < 3; k++) {
+            dst[3 * p + k] = interpolate(s[k], s[3 + k], taps[p].weight);
+        }
+    }
+}
+
 static void pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels) {
     for (size_t p = 0; p < pixels; p++)
         memcpy(rgb + 3 * p, argb + 4 * p + 1, 3);
@@ -100,7 +120,7 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",     reduce_row<3>, reduce_row<1>, expand_row_c3, reduce_column,
-    expand_even, expand_odd,    subtract,      widen,         blend,
-    collapse,    merge,         narrow,        pack_rgb,      unpack_rgb,
+    "plain",    reduce_row<3>, reduce_row<1>,   expand_row_c3, reduce_column, expand_even,
+    expand_odd, subtract,      widen,           blend,         collapse,      merge,
+    narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };

@@ -22,6 +22,13 @@ typedef struct merge_rows {
     const uint8_t* expanded_result;
 } merge_rows;
 
+// One output pixel between source pixels `sample` and sample + 1; `weight` of 128 parts is the
+// second one's.
+typedef struct row_tap {
+    int32_t sample;
+    int32_t weight;  // 0..128
+} row_tap;
+
 typedef struct row_ops {
     const char* name;
 
@@ -76,6 +83,15 @@ typedef struct row_ops {
 
     // dst = the low 8 bits of src.
     void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
+
+    // Linear interpolation, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
+    //   mix_rows: between two rows
+    //   resample_row_c3: between neighbouring pixels of a row of three channels; up to two bytes
+    //   behind the last pixel that the taps name are read
+    void (*mix_rows)(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
+                     size_t bytes);
+    void (*resample_row_c3)(const uint8_t* __restrict src, const row_tap* taps,
+                            uint8_t* __restrict dst, size_t pixels);
 
     // Colours of 4-byte pixels, bytes 1 to 3, to packed ones, and back with byte 0 set to 255.
     void (*pack_rgb)(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
