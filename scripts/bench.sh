@@ -20,6 +20,7 @@ cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH
 programs=(bench_rows bench_pyramid bench_calls)
 cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_memory bench_table
 
+unset IMAGEBLEND_LOG
 results=$build/bench/results
 mkdir -p "$results"
 files=()
@@ -29,7 +30,8 @@ for program in "${programs[@]}"; do
     # meets the same moods of the machine.
     "$build/bench/$program" --benchmark_repetitions=$rounds --benchmark_min_time=$seconds \
         --benchmark_enable_random_interleaving=true --benchmark_out_format=json \
-        --benchmark_out="$results/$program.json" >/dev/null
+        --benchmark_out="$results/$program.json" >"$results/$program.log" 2>&1 ||
+        { cat "$results/$program.log" >&2; exit 1; }
     files+=("$results/$program.json")
 done
 echo "running bench_memory"
@@ -38,7 +40,7 @@ if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
 fi
 
 "$build/bench/bench_table" --plot "$results/plot.dat" "${files[@]}" | tee "$results/table.txt"
-if ! $quick; then
+if ! $quick && ! grep -q nan "$results/plot.dat"; then
     gnuplot -e "data='$results/plot.dat'; picture='$root/docs/bench.svg'" "$root/bench/plot.gp"
     echo "drawing: $root/docs/bench.svg"
 fi
