@@ -58,11 +58,15 @@ static void lay_out(blend_workspace* ws) {
 blend_workspace* alloc_blend_workspace(int32_t width, int32_t height, uint32_t levels) {
     size_t size = 0;
     blend_workspace* ws = NULL;
-    if (workspace_size(width, height, levels, &size)) ws = (blend_workspace*)calloc(1, size);
+    // Deeper pyramids write every plane before they read it; zeros would only be overwritten.
+    if (workspace_size(width, height, levels, &size)) {
+        ws = (blend_workspace*)(levels > 0 ? malloc(size) : calloc(1, size));
+    }
     if (ws == NULL) {
         LOG_LINE(LOG_ERROR, "Alloc Blending memory error size:%x", (unsigned)size);
         return NULL;
     }
+    *ws = blend_workspace();
     ws->levels = levels;
     ws->width = (uint32_t)width;
     ws->height = (uint32_t)height;

@@ -26,7 +26,8 @@ typedef struct blend_workspace {
     uint8_t* up_plane;     // 3 x width x height, rounded up to even: the expanded level
 } blend_workspace;
 
-// A zero-filled workspace, or null after one line in the log. The caller frees it with
+// A workspace, or null after one line in the log. Without levels below the first its planes are filled
+// with zeros; otherwise they are left as the system gives them. The caller frees it with
 // free_blend_workspace.
 blend_workspace* alloc_blend_workspace(int32_t width, int32_t height, uint32_t levels);
 
