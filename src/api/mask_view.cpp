@@ -12,6 +12,14 @@ mask_view view_of_mask(const uint8_t* samples, int32_t width, int32_t height,
 
 enum { BLOCK = 64 };
 
+// How far ahead of a scan memory is fetched; the address may lie beyond the mask, which a fetch
+// ignores.
+enum { FETCH_AHEAD = 2048 };
+
+static void fetch(const uint8_t* p, intptr_t distance) {
+    __builtin_prefetch((const void*)((uintptr_t)p + (uintptr_t)distance));
+}
+
 static bool block_is_zero(const uint8_t* p) {
     uint64_t words[BLOCK / 8], any = 0;
     memcpy(words, p, BLOCK);
@@ -24,8 +32,10 @@ static bool block_is_zero(const uint8_t* p) {
 static int64_t first_set(const uint8_t* samples, int64_t count, int64_t step) {
     int64_t i = 0;
     if (step == 1) {
-        while (i + BLOCK <= count && block_is_zero(samples + i))
+        while (i + BLOCK <= count && block_is_zero(samples + i)) {
+            fetch(samples + i, FETCH_AHEAD);
             i += BLOCK;
+        }
     }
     while (i < count && samples[i * step] == 0)
         i++;
@@ -35,8 +45,10 @@ static int64_t first_set(const uint8_t* samples, int64_t count, int64_t step) {
 static int64_t last_set(const uint8_t* samples, int64_t count, int64_t step) {
     int64_t end = count;
     if (step == 1) {
-        while (end >= BLOCK && block_is_zero(samples + end - BLOCK))
+        while (end >= BLOCK && block_is_zero(samples + end - BLOCK)) {
             end -= BLOCK;
+            fetch(samples + end, -FETCH_AHEAD);
+        }
     }
     while (end > 0 && samples[(end - 1) * step] == 0)
         end--;

@@ -99,6 +99,7 @@ void* band_bundle_dst(void* arg) {
 void* band_bundle_build(void* arg) {
     band_bundle_src(arg);
     band_bundle_dst(arg);
+    share_work(((const band_bundle*)arg)->beside);
     pool_signal_done(((const band_bundle*)arg)->pool);
     return NULL;
 }

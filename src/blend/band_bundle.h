@@ -10,6 +10,7 @@
 
 #include "blend/band_task.h"
 #include "blend/picture.h"
+#include "blend/side_work.h"
 
 enum { BAND_COUNT = 4 };
 
@@ -42,6 +43,7 @@ typedef struct band_bundle {
     int32_t begin, end;  // the band's rows of the coarser level; of the level itself at the top
     picture src, dst, result;                       // the finer level
     picture coarse_src, coarse_dst, coarse_result;  // the coarser one
+    side_work* beside;  // what a build task helps with when its own rows are done; may be null
     const uint8_t* mask;
     uint8_t* coarse_mask;
     uint8_t* scratch;

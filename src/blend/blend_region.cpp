@@ -11,9 +11,6 @@
 #include "kernels/row_ops.h"
 #include "memory.h"
 
-// Below this height a picture is not cut into bands, and whole levels take patches only.
-enum { MIN_STREAMED_HEIGHT = 16 };
-
 static int32_t corner_of(int32_t center, int32_t size) {
     return saturate_i32(max_i64((int64_t)center - size / 2, 0));
 }
@@ -77,21 +74,45 @@ static uint8_t* cut_patch(const picture* frame, int32_t width, int32_t height) {
     return patch;
 }
 
-// Copy of the destination into the output; nothing where they are the same buffer.
+// The copy of the destination into the output, in pieces of some rows. The rectangle [left, right)
+// x [top, bottom), which the blend will write itself, is left out.
 typedef struct frame_copy {
     const blend_image* from;
     const blend_image* to;
+    int32_t left, top, right, bottom;
 } frame_copy;
 
-static size_t frame_bytes(const blend_image* image) {
-    if (image->width < 1 || image->height < 1) return 0;
-    return (size_t)image->width * (size_t)image->height * 4;
+enum { COPY_ROWS = 64 };
+
+static int32_t copy_pieces(const frame_copy* copy) {
+    // The two may be one buffer, which holds everything already.
+    if (copy->from->data == copy->to->data || copy->from->width < 1) return 0;
+    return copy->from->height < 1 ? 0 : (copy->from->height - 1) / COPY_ROWS + 1;
 }
 
-static void copy_frame(void* arg) {
+static void copy_span(const frame_copy* copy, size_t begin_pixel, size_t end_pixel) {
+    memmove(copy->to->data + 4 * begin_pixel, copy->from->data + 4 * begin_pixel,
+            4 * (end_pixel - begin_pixel));
+}
+
+static void copy_piece(void* arg, int32_t index) {
     const frame_copy* copy = (const frame_copy*)arg;
-    if (copy->from->data == copy->to->data) return;
-    memmove(copy->to->data, copy->from->data, frame_bytes(copy->from));
+    const size_t width = (size_t)copy->from->width;
+    const int64_t begin = (int64_t)index * COPY_ROWS;
+    const int64_t end = min_i64(begin + COPY_ROWS, copy->from->height);
+    // Pixels up to `done` are copied; each row of the rectangle is a gap.
+    size_t done = (size_t)begin * width;
+    for (int64_t y = max_i64(begin, copy->top); y < min_i64(end, copy->bottom); y++) {
+        copy_span(copy, done, (size_t)y * width + (size_t)copy->left);
+        done = (size_t)y * width + (size_t)copy->right;
+    }
+    copy_span(copy, done, (size_t)end * width);
+}
+
+// The whole frame at once; `from` and `to` may overlap in any way.
+static void copy_frame(const frame_copy* copy) {
+    if (copy->from->width < 1 || copy->from->height < 1) return;
+    copy_span(copy, 0, (size_t)copy->from->width * (size_t)copy->from->height);
 }
 
 static bool overlaps(const uint8_t* a, const uint8_t* b, size_t bytes) {
@@ -101,17 +122,25 @@ static bool overlaps(const uint8_t* a, const uint8_t* b, size_t bytes) {
 // Whether the output can be written while the inputs are still being read: it shares no byte with
 // the source, and with the destination none or, pixel for pixel, all.
 static bool can_stream(const picture* src, const blend_image* dst, const blend_image* out) {
-    const size_t bytes = frame_bytes(dst);
+    const size_t bytes =
+        dst->width < 1 || dst->height < 1 ? 0 : 4 * (size_t)dst->width * (size_t)dst->height;
     const bool reads_src = !src->packed && overlaps(src->pixels, out->data, bytes);
     return !reads_src && (dst->data == out->data || !overlaps(dst->data, out->data, bytes));
 }
 
-// Blends the rectangles straight from frame to frame; `copy` is made beside it.
+// Blends the rectangles straight from frame to frame, and copies the rest of the frame beside it.
 static int32_t blend_streamed(const picture* src, const picture* dst, const uint8_t* mask,
                               frame_copy* copy, blend_workspace* ws) {
+    const int64_t right = dst->x + (int64_t)ws->width, bottom = dst->y + (int64_t)ws->height;
+    if (dst->x >= 0 && dst->y >= 0 && right <= dst->frame_width && bottom <= dst->frame_height) {
+        copy->left = dst->x;
+        copy->top = dst->y;
+        copy->right = (int32_t)right;
+        copy->bottom = (int32_t)bottom;
+    }
     picture result = *dst;
     result.pixels = copy->to->data;
-    side_work beside = {copy_frame, copy};
+    side_work beside = {copy_piece, copy, copy_pieces(copy), 0};
     return blend_pictures(src, dst, mask, &result, ws, &beside);
 }
 
@@ -171,8 +200,8 @@ static int32_t blend_box_pixels(const blend_image* src, const picture* dst_recta
     int32_t status = -1;
     blend_workspace* ws = alloc_blend_workspace(width, height, levels > 0 ? (uint32_t)levels : 0);
     if (ws != NULL) {
-        const bool streams = levels > 0 && height >= MIN_STREAMED_HEIGHT &&
-                             can_stream(&source, copy->from, copy->to);
+        const bool streams =
+            levels > 0 && height >= MIN_BAND_HEIGHT && can_stream(&source, copy->from, copy->to);
         status = streams ? blend_streamed(&source, dst_rectangle, mask, copy, ws)
                          : blend_patches(&source, dst_rectangle, mask, copy, ws, levels < 1);
     }
@@ -186,7 +215,7 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
                      int32_t crop_height, int32_t center_x, int32_t center_y, int32_t levels,
                      int32_t margin_levels, int32_t trace, float zoom) {
     blend_box box;
-    frame_copy copy = {dst, out};
+    frame_copy copy = {dst, out, 0, 0, 0, 0};
     int32_t status = 0;
     place_blend_box(dst, center_x, center_y, crop_width, crop_height, trace, zoom, &box);
     if (crop_width < 1 || crop_height < 1 || box.zoom_width < 1 || box.zoom_height < 1) {

@@ -47,7 +47,7 @@ static bool alloc_band_scratch(pyramid_run* run) {
 
 static bool run_stages(pyramid_run* run) {
     // With a single level the first stage writes the result already.
-    if (run->levels == 0) run_beside(run);
+    if (run->levels == 0) share_work(run->beside);
     for (int32_t l = 0; l < run->levels; l++) {
         if (!build_level(run, l)) return false;
     }

@@ -29,8 +29,8 @@ int32_t pyramid_blend(const uint8_t* src_patch, const uint8_t* dst_patch, const 
                       blend_workspace* ws);
 
 // The same between rectangles of frames, for ws->levels of at least 1 and a height of at least 16.
-// `result` may be the rectangle of `dst` itself. `beside` is run once by the calling thread before
-// the first row of the result is written, when the call gets that far.
+// `result` may be the rectangle of `dst` itself. `beside`, which may be null, is done by all
+// threads together before the first row of the result is written, when the call gets that far.
 int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
                        const picture* result, blend_workspace* ws, side_work* beside);
 

@@ -3,19 +3,14 @@
 #define IMAGEBLEND_BLEND_PYRAMID_RUN_H
 
 #include "blend/band_bundle.h"
+#include "blend/side_work.h"
 #include "blend/workspace.h"
-
-// Work of the calling thread that fits beside the first stage of the pool.
-typedef struct side_work {
-    void (*routine)(void*);
-    void* arg;
-} side_work;
 
 typedef struct pyramid_run {
     blend_workspace* ws;
     int32_t levels;     // depth that is built, at most ws->levels
     thread_pool* pool;  // null when everything runs in the caller
-    side_work* beside;  // run once and cleared
+    side_work* beside;  // shared by all threads of the first stage; may be null
     uint8_t* band_scratch[BAND_COUNT];
     pixel_layout layout_mask;  // {0, 1}
     pixel_layout layout_c3;    // {0, 3}
@@ -25,9 +20,6 @@ typedef struct pyramid_run {
     const uint8_t* mask[MAX_LEVELS + 1];
     band_bundle band_bundles[BAND_COUNT];
 } pyramid_run;
-
-// Runs the work beside the stages unless it has been run.
-void run_beside(pyramid_run* run);
 
 // Builds level + 1 of the source, the destination and the mask from `level`. False without memory.
 bool build_level(pyramid_run* run, int32_t level);

@@ -2,10 +2,6 @@
 #include "blend/pyramid_run.h"
 #include "blend/whole_level.h"
 
-// Levels of fewer rows than this are not cut into bands: each band needs two rows of the next
-// level, so that no strip is both the first and the last of its level.
-enum { MIN_BAND_HEIGHT = 16 };
-
 static int32_t level_width(const pyramid_run* run, int32_t level) {
     return (int32_t)run->ws->level_width[level];
 }
@@ -14,16 +10,9 @@ static int32_t level_height(const pyramid_run* run, int32_t level) {
     return (int32_t)run->ws->level_height[level];
 }
 
-void run_beside(pyramid_run* run) {
-    side_work* const beside = run->beside;
-    run->beside = NULL;
-    if (beside != NULL) beside->routine(beside->arg);
-}
-
 // Runs a task for each band, on the pool where there is one, and returns when all four are done.
 static void run_stage(pyramid_run* run, void* (*routine)(void*)) {
     if (run->pool == NULL) {
-        run_beside(run);
         for (int32_t k = 0; k < BAND_COUNT; k++)
             routine(&run->band_bundles[k]);
         return;
@@ -32,7 +21,7 @@ static void run_stage(pyramid_run* run, void* (*routine)(void*)) {
     for (int32_t k = 0; k < BAND_COUNT; k++) {
         pool_add_task(run->pool, routine, &run->band_bundles[k]);
     }
-    run_beside(run);
+    share_work(run->beside);
     pool_wait_done(run->pool, BAND_COUNT);
 }
 
@@ -62,6 +51,7 @@ static void fill_bundle(pyramid_run* run, int32_t level, int32_t k, int32_t begi
     *bundle = band_bundle();
     bundle->widen = bundle->blend = row_task(run, level);
     bundle->pool = run->pool;
+    bundle->beside = run->beside;
     bundle->levels = run->levels;
     bundle->level = level;
     bundle->band = k;

@@ -11,18 +11,35 @@ static size_t round_up_even(size_t bytes) {
     return (bytes + 1) & ~(size_t)1;
 }
 
+// Pixels of one level. Sides are 32 bits each, so the product fits.
+static size_t level_pixels(uint32_t width, uint32_t height, uint32_t level) {
+    return (size_t)((uint64_t)width >> level) * (size_t)((uint64_t)height >> level);
+}
+
+static bool has_laplacian(uint32_t height, uint32_t level, uint32_t levels) {
+    return levels == 0 || (level < levels && ((uint64_t)height >> level) < MIN_BAND_HEIGHT);
+}
+
+// Bytes of one 8-bit colour plane that holds all levels but the finest.
+static size_t coarse_bytes(uint32_t width, uint32_t height, uint32_t levels) {
+    size_t pixels = 0;
+    for (uint32_t l = 1; l <= levels; l++)
+        pixels += level_pixels(width, height, l);
+    return round_up_even(3 * pixels);
+}
+
 // Total size of the block, or false when it is more than an address can hold.
 static bool workspace_size(int32_t width, int32_t height, uint32_t levels, size_t* size) {
     size_t level0;
     if (levels > MAX_LEVELS || width < 0 || height < 0) return false;
-    // Levels and their roundings add up to less than 64 bytes a pixel and a few hundred more.
+    // All levels and roundings together stay far below 64 bytes a pixel and a few hundred more.
     if (!buffer_size(width, height, 64, &level0)) return false;
-    const size_t pixels = (size_t)width * (size_t)height;
-    *size = HEADER_BYTES + 32 * ((size_t)levels + 1) + 18 * pixels + round_up_even(3 * pixels) +
-            round_up_even(pixels);
-    for (uint32_t l = 1; l <= levels; l++) {
-        const size_t level = ((size_t)width >> l) * ((size_t)height >> l);
-        *size += 12 * level + round_up_even(level);
+    const uint32_t w = (uint32_t)width, h = (uint32_t)height;
+    *size = HEADER_BYTES + 32 * ((size_t)levels + 1) + 3 * coarse_bytes(w, h, levels);
+    for (uint32_t l = 0; l <= levels; l++) {
+        const size_t pixels = level_pixels(w, h, l);
+        if (has_laplacian(h, l, levels)) *size += 12 * pixels;
+        if (l > 0) *size += round_up_even(pixels);
     }
     return true;
 }
@@ -41,24 +58,24 @@ static void lay_out(blend_workspace* ws) {
     ws->lap_dst = (int16_t**)take(&cursor, sizeof(int16_t*) * entries);
     ws->lap_src = (int16_t**)take(&cursor, sizeof(int16_t*) * entries);
     ws->mask_levels = (uint8_t**)take(&cursor, sizeof(uint8_t*) * entries);
-    const size_t patch = 3 * (size_t)ws->width * ws->height;
-    ws->down_plane = (uint8_t*)take(&cursor, patch);
-    ws->down_plane2 = (uint8_t*)take(&cursor, patch);
-    ws->up_plane = (uint8_t*)take(&cursor, round_up_even(patch));
+    const size_t plane = coarse_bytes(ws->width, ws->height, ws->levels);
+    ws->down_plane = (uint8_t*)take(&cursor, plane);
+    ws->down_plane2 = (uint8_t*)take(&cursor, plane);
+    ws->up_plane = (uint8_t*)take(&cursor, plane);
     for (uint32_t l = 0; l < entries; l++) {
+        const size_t pixels = level_pixels(ws->width, ws->height, l);
+        const bool laplacian = has_laplacian(ws->height, l, ws->levels);
         ws->level_width[l] = (uint32_t)((uint64_t)ws->width >> l);
         ws->level_height[l] = (uint32_t)((uint64_t)ws->height >> l);
-        const size_t pixels = (size_t)ws->level_width[l] * ws->level_height[l];
-        ws->lap_dst[l] = (int16_t*)take(&cursor, 6 * pixels);
-        ws->lap_src[l] = (int16_t*)take(&cursor, 6 * pixels);
-        ws->mask_levels[l] = (uint8_t*)take(&cursor, round_up_even(pixels));
+        ws->lap_dst[l] = laplacian ? (int16_t*)take(&cursor, 6 * pixels) : NULL;
+        ws->lap_src[l] = laplacian ? (int16_t*)take(&cursor, 6 * pixels) : NULL;
+        ws->mask_levels[l] = l > 0 ? (uint8_t*)take(&cursor, round_up_even(pixels)) : NULL;
     }
 }
 
 blend_workspace* alloc_blend_workspace(int32_t width, int32_t height, uint32_t levels) {
     size_t size = 0;
     blend_workspace* ws = NULL;
-    // Deeper pyramids write every plane before they read it; zeros would only be overwritten.
     if (workspace_size(width, height, levels, &size)) {
         ws = (blend_workspace*)(levels > 0 ? malloc(size) : calloc(1, size));
     }
