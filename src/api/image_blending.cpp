@@ -5,6 +5,7 @@
 #include "blend/blend_region.h"
 #include "blend/depth.h"
 #include "blend/rotated_icon.h"
+#include "frame.h"
 #include "imageblend.h"
 #include "log.h"
 #include "memory.h"
@@ -21,9 +22,9 @@ typedef struct blend_call {
     int32_t center_x, center_y;       // of the unrotated box
     int32_t zoom_width, zoom_height;
     float zoom;
-    rotation turn;         // when there is an angle
-    uint8_t* crop;         // the box of the mask, crop_width x crop_height
-    uint8_t* zoomed_mask;  // zoom_width x zoom_height; null at zoom 1
+    colour_rotation colours;  // when there is an angle
+    uint8_t* crop;            // the box of the mask, crop_width x crop_height
+    uint8_t* zoomed_mask;     // zoom_width x zoom_height; null at zoom 1
 } blend_call;
 
 static void log_frame_sizes(const blend_image* icon, const blend_image* destination,
@@ -64,54 +65,62 @@ static bool crop_object(blend_call* call, const mask_view* mask) {
     return true;
 }
 
-// A record for the rotated icon with pixels of the frame's size, or null. The pixels are filled
-// when it is known which of them the blend reads.
-static blend_image* alloc_rotated_icon(int32_t width, int32_t height) {
+// The pixels of the rotated icon that the blend reads: the box around the centre, moved inside at
+// the left and top. A box that leaves the frame goes on at the start of the next row, so then it is
+// all of the frame.
+static pixel_window colour_window(const blend_call* call) {
+    const int64_t left = max_i64((int64_t)call->center_x - call->crop_width / 2, 0);
+    const int64_t top = max_i64((int64_t)call->center_y - call->crop_height / 2, 0);
+    const int64_t right = left + call->crop_width, bottom = top + call->crop_height;
+    const pixel_window box = {(int32_t)left, (int32_t)top, (int32_t)right, (int32_t)bottom};
+    const pixel_window frame = {0, 0, call->width, call->height};
+    return right > call->width || bottom > call->height ? frame : box;
+}
+
+// A record for the window of the rotated icon, or null. Its pixels are filled beside the blend.
+static blend_image* alloc_rotated_icon(const pixel_window* window) {
     blend_image* icon = (blend_image*)malloc(sizeof(blend_image));
     if (icon == NULL) return NULL;
-    icon->width = width;
-    icon->height = height;
-    const bool has_pixels = width >= 1 && height >= 1;
-    icon->data = (uint8_t*)alloc_plane(has_pixels ? width : 0, has_pixels ? height : 0, 4);
+    icon->width = (int32_t)max_i64((int64_t)window->x_end - window->x_begin, 0);
+    icon->height = (int32_t)max_i64((int64_t)window->y_end - window->y_begin, 0);
+    icon->data = (uint8_t*)alloc_plane(icon->width, icon->height, 4);
     if (icon->data != NULL) return icon;
     free(icon);
     return NULL;
 }
 
+// The extent of the object, which lies within the measured box.
+static mask_extent object_extent(const blend_call* call, const blend_image* mask) {
+    mask_view box = view_of_mask(mask->data, call->width, call->height, &layout_mask);
+    if (call->crop_width >= 1 && call->crop_height >= 1 && call->width >= 1 && call->height >= 1) {
+        box.window = {call->x0, call->y0, call->x0 + call->crop_width,
+                      call->y0 + call->crop_height};
+        box.samples += (size_t)call->y0 * (size_t)call->width + (size_t)call->x0;
+    }
+    return scan_mask(&box, call->width, call->height);
+}
+
 // Rotates the mask about the box's centre, finds the box again and crops it. On success there is a
-// rotated icon in g_rotated_icon.
-static bool rotate_object(blend_call* call, const blend_image* mask) {
-    const mask_view upright = view_of_mask(mask->data, call->width, call->height, &layout_mask);
-    const mask_extent extent = scan_mask(&upright, call->width, call->height);
+// rotated icon in g_rotated_icon, and the work that fills it.
+static bool rotate_object(blend_call* call, const blend_image* icon, const blend_image* mask) {
+    const rotation turn = call->colours.turn;
+    const mask_extent extent = object_extent(call, mask);
     rotated_mask rotated;
-    if (!make_rotated_mask(&call->turn, mask->data, &extent, &rotated)) return false;
+    if (!make_rotated_mask(&turn, mask->data, &extent, &rotated)) return false;
     crop_rotated_mask(&rotated.view, call->width, call->height, &call->crop_width,
                       &call->crop_height, &call->bare_width, &call->bare_height, &call->x0,
                       &call->y0, call->center_x, call->center_y, &call->level_zoom, BASE_LEVEL,
                       true, true, &call->level_box, call->zoom);
-    bool done = crop_object(call, &rotated.view);
+    const bool cropped = crop_object(call, &rotated.view);
     free_rotated_mask(&rotated);
-    if (done) {
-        blend_image* icon = alloc_rotated_icon(call->width, call->height);
-        done = icon != NULL;
-        if (done) g_rotated_icon = icon;
-    }
-    return done;
-}
-
-// The pixels of the rotated icon that the blend reads: the box around the centre, moved inside at
-// the left and top. A box that leaves the frame goes on at the start of the next row.
-static pixel_window colour_window(const blend_call* call) {
-    const int64_t left = max_i64((int64_t)call->center_x - call->crop_width / 2, 0);
-    const int64_t top = max_i64((int64_t)call->center_y - call->crop_height / 2, 0);
-    const int64_t right = left + call->crop_width, bottom = top + call->crop_height;
-    const bool leaves = right > call->width || bottom > call->height;
-    pixel_window window;
-    window.x_begin = leaves ? 0 : (int32_t)left;
-    window.x_end = leaves ? call->width : (int32_t)right;
-    window.y_begin = (int32_t)min_i64(top, max_i64((int64_t)call->height - 1, 0));
-    window.y_end = (int32_t)min_i64(bottom + (leaves ? 1 : 0), call->height);
-    return window;
+    if (!cropped) return false;
+    call->colours.window = colour_window(call);
+    blend_image* rotated_icon = alloc_rotated_icon(&call->colours.window);
+    if (rotated_icon == NULL) return false;
+    call->colours.frame = icon->data;
+    call->colours.rotated = rotated_icon->data;
+    g_rotated_icon = rotated_icon;
+    return true;
 }
 
 // The mask of the zoomed box: the crop itself at zoom 1, else resized; null without memory.
@@ -132,15 +141,26 @@ static int32_t corner_of(int32_t center, int32_t bare_size, float zoom) {
     return float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
 }
 
-static int32_t blend_object(blend_call* call, const blend_image* icon,
+static int32_t blend_object(blend_call* call, const blend_image* icon, bool rotated,
                             const blend_image* destination, const blend_image* output,
                             int32_t center_x, int32_t center_y) {
     const uint8_t* zoomed_mask = zoom_mask(call);
     if (zoomed_mask == NULL) return -1;
-    return blend_region(
-        icon, destination, zoomed_mask, output, corner_of(center_x, call->bare_width, call->zoom),
-        corner_of(center_y, call->bare_height, call->zoom), call->crop_width, call->crop_height,
-        call->center_x, call->center_y, call->level_zoom, call->level_box, 0, call->zoom);
+    const blend_image* source = rotated ? g_rotated_icon : icon;
+    const pixel_window* window = &call->colours.window;
+    const row_work rotation_work = {rotate_colours, &call->colours, source->height};
+    const row_work* fill = rotated ? &rotation_work : NULL;
+    if (rotated && frame_overlaps(icon, output->data, frame_bytes(destination))) {
+        // The output is written while the blend runs, so the icon must have been read before.
+        do_rows(fill);
+        fill = NULL;
+    }
+    return blend_region(source, destination, zoomed_mask, output,
+                        corner_of(center_x, call->bare_width, call->zoom),
+                        corner_of(center_y, call->bare_height, call->zoom), call->crop_width,
+                        call->crop_height, call->center_x - (rotated ? window->x_begin : 0),
+                        call->center_y - (rotated ? window->y_begin : 0), call->level_zoom,
+                        call->level_box, 0, call->zoom, fill);
 }
 
 static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_image* destination,
@@ -148,9 +168,9 @@ static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_
                          int32_t center_y, float angle) {
     measure_object(call, mask);
     if (angle != 0.0f) {
-        call->turn =
+        call->colours.turn =
             make_rotation(angle, call->center_x, call->center_y, call->width, call->height);
-        if (!rotate_object(call, mask)) return -1;
+        if (!rotate_object(call, icon, mask)) return -1;
     } else {
         const mask_view upright = view_of_mask(mask->data, call->width, call->height, &layout_mask);
         if (!crop_object(call, &upright)) return -1;
@@ -169,13 +189,7 @@ static int32_t run_blend(blend_call* call, const blend_image* icon, const blend_
     if (!same_size(destination, mask)) {
         log_frame_sizes(icon, destination, mask);
     } else {
-        const blend_image* source = icon;
-        if (angle != 0.0f) {
-            const pixel_window window = colour_window(call);
-            rotate_colours(&call->turn, icon->data, &window, g_rotated_icon->data);
-            source = g_rotated_icon;
-        }
-        status = blend_object(call, source, destination, output, center_x, center_y);
+        status = blend_object(call, icon, angle != 0.0f, destination, output, center_x, center_y);
     }
     free_rotated_icon();
     return status;

@@ -52,55 +52,94 @@ static pixel_window rotated_reach(const rotation* turn, const mask_extent* exten
     return reach;
 }
 
+// One output row: where the mapping starts. Along it both source coordinates only rise or only
+// fall, since every step of the mapping, rounding included, keeps the order.
+typedef struct source_row {
+    float base, slope;  // coordinate = trunc(base + slope * (x - center))
+    float center;
+} source_row;
+
+static int32_t source_at(const source_row* row, int32_t x) {
+    return float_to_i32(row->base + row->slope * ((float)x - row->center));
+}
+
+static source_row source_columns(const rotation* turn, int32_t y) {
+    const float fx = (float)turn->center_x, dy = (float)y - (float)turn->center_y;
+    const source_row row = {fx + turn->sine * dy, turn->cosine, fx};
+    return row;
+}
+
+static source_row source_rows(const rotation* turn, int32_t y) {
+    const float fy = (float)turn->center_y, dy = (float)y - fy;
+    const source_row row = {fy + turn->cosine * dy, -turn->sine, (float)turn->center_x};
+    return row;
+}
+
+// The first x of [begin, end) whose coordinate has passed `limit`: is at least it where coordinates
+// rise, below it where they fall; `end` when there is none.
+static int32_t first_past(const source_row* row, int32_t begin, int32_t end, int32_t limit) {
+    const bool falls = row->slope < 0;
+    while (begin < end) {
+        const int32_t middle = begin + (end - begin) / 2;
+        if ((source_at(row, middle) >= limit) != falls) {
+            end = middle;
+        } else {
+            begin = middle + 1;
+        }
+    }
+    return begin;
+}
+
+typedef struct column_span {
+    int32_t begin, end;
+} column_span;
+
+// The part of a span whose coordinates lie in [low, high).
+static column_span within(const source_row* row, column_span span, int32_t low, int32_t high) {
+    const bool falls = row->slope < 0;
+    column_span part;
+    part.begin = first_past(row, span.begin, span.end, falls ? high : low);
+    part.end = first_past(row, part.begin, span.end, falls ? low : high);
+    return part;
+}
+
 enum { CHUNK = 256 };
 
-// Source coordinates of output pixels x .. x + count - 1 of one row.
-typedef struct source_run {
-    int32_t x[CHUNK], y[CHUNK];
-} source_run;
-
-static bool converts_exactly(float value) {
-    return value > -1e9f && value < 1e9f;
-}
-
-static void map_run(const rotation* turn, int32_t x, int32_t y, int32_t count, source_run* run) {
-    const float fx = (float)turn->center_x, fy = (float)turn->center_y;
-    const float c = turn->cosine, s = turn->sine;
-    const float dy = (float)y - fy;
-    const float row_x = fx + s * dy, row_y = fy + c * dy;
-    const float first = (float)x - fx, last = (float)(x + count - 1) - fx;
-    // The coordinates run evenly from one end to the other, so the ends tell the range of all.
-    if (converts_exactly(row_x + c * first) && converts_exactly(row_x + c * last) &&
-        converts_exactly(row_y - s * first) && converts_exactly(row_y - s * last)) {
-        for (int32_t i = 0; i < count; i++) {
-            const float dx = (float)(x + i) - fx;
-            run->x[i] = (int32_t)(row_x + c * dx);
-            run->y[i] = (int32_t)(row_y - s * dx);
-        }
-        return;
-    }
-    for (int32_t i = 0; i < count; i++) {
-        const float dx = (float)(x + i) - fx;
-        run->x[i] = float_to_i32(row_x + c * dx);
-        run->y[i] = float_to_i32(row_y - s * dx);
-    }
-}
-
-// Calls pixel(x, y, inside, source index) for every pixel of the window, row by row.
+// Calls pixel(x, source x, source y) for a span of a row, all of whose sources lie inside the
+// frame.
 template <class Pixel>
-static inline void map_window(const rotation* turn, const pixel_window* window, Pixel pixel) {
-    const uint32_t width = (uint32_t)turn->width, height = (uint32_t)turn->height;
-    source_run run;
-    for (int32_t y = window->y_begin; y < window->y_end; y++) {
-        for (int32_t x = window->x_begin; x < window->x_end; x += CHUNK) {
-            const int32_t count = (int32_t)min_i64(CHUNK, window->x_end - x);
-            map_run(turn, x, y, count, &run);
+static inline void map_span(const source_row* columns, const source_row* rows, column_span span,
+                            Pixel pixel) {
+    int32_t sx[CHUNK], sy[CHUNK];
+    for (int32_t x = span.begin; x < span.end; x += CHUNK) {
+        const int32_t count = (int32_t)min_i64(CHUNK, span.end - x);
+        // What is not a number reads as 0, and nothing inside the frame is out of the type's range.
+        if (columns->base != columns->base) {
+            memset(sx, 0, sizeof sx);
+            memset(sy, 0, sizeof sy);
+        } else {
             for (int32_t i = 0; i < count; i++) {
-                const bool inside = (uint32_t)run.x[i] < width && (uint32_t)run.y[i] < height;
-                pixel(x + i, y, inside, (size_t)run.y[i] * width + (size_t)run.x[i]);
+                const float dx = (float)(x + i) - columns->center;
+                sx[i] = (int32_t)(columns->base + columns->slope * dx);
+                sy[i] = (int32_t)(rows->base + rows->slope * dx);
             }
         }
+        for (int32_t i = 0; i < count; i++)
+            pixel(x + i, sx[i], sy[i]);
     }
+}
+
+// A row of the rotated mask; only sources within the object's extent can be set.
+static void rotate_mask_row(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
+                            column_span reach, int32_t y, uint8_t* out) {
+    const source_row columns = source_columns(turn, y), rows = source_rows(turn, y);
+    column_span span = within(&columns, reach, (int32_t)extent->xmin, (int32_t)extent->xmax + 1);
+    span = within(&rows, span, (int32_t)extent->ymin, (int32_t)extent->ymax + 1);
+    const size_t width = (size_t)turn->width;
+    memset(out, 0, (size_t)(reach.end - reach.begin));
+    map_span(&columns, &rows, span, [=](int32_t x, int32_t sx, int32_t sy) {
+        out[x - reach.begin] = mask[(size_t)sy * width + (size_t)sx];
+    });
 }
 
 bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
@@ -112,10 +151,11 @@ bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_ext
     if (samples == NULL) return false;
     rotated->samples = samples;
     rotated->view = {samples, reach, columns, 1};
-    uint8_t* to = samples;
-    map_window(turn, &reach, [&](int32_t, int32_t, bool inside, size_t from) {
-        *to++ = inside ? mask[from] : 0;
-    });
+    const column_span span = {reach.x_begin, reach.x_end};
+    for (int64_t r = 0; r < rows && columns > 0; r++) {
+        rotate_mask_row(turn, mask, extent, span, reach.y_begin + (int32_t)r,
+                        samples + r * columns);
+    }
     return true;
 }
 
@@ -123,13 +163,24 @@ void free_rotated_mask(rotated_mask* rotated) {
     free(rotated->samples);
 }
 
-void rotate_colours(const rotation* turn, const uint8_t* frame, const pixel_window* window,
-                    uint8_t* rotated) {
+void rotate_colours(void* arg, int32_t, int32_t begin, int32_t end) {
+    const colour_rotation* work = (const colour_rotation*)arg;
+    const rotation* turn = &work->turn;
+    const column_span window = {work->window.x_begin, work->window.x_end};
+    const size_t row_bytes = 4 * (size_t)(window.end - window.begin);
     const size_t width = (size_t)turn->width;
-    map_window(turn, window, [&](int32_t x, int32_t y, bool inside, size_t from) {
-        uint8_t* to = rotated + 4 * ((size_t)y * width + (size_t)x);
-        uint32_t pixel = 0;
-        if (inside) memcpy(&pixel, frame + 4 * from, 4);
-        memcpy(to, &pixel, 4);
-    });
+    const uint8_t* frame = work->frame;
+    for (int32_t r = begin; r < end; r++) {
+        uint8_t* out = work->rotated + (size_t)r * row_bytes;
+        const source_row columns = source_columns(turn, work->window.y_begin + r);
+        const source_row rows = source_rows(turn, work->window.y_begin + r);
+        column_span span = within(&columns, window, 0, turn->width);
+        span = within(&rows, span, 0, turn->height);
+        memset(out, 0, 4 * (size_t)(span.begin - window.begin));
+        map_span(&columns, &rows, span, [=](int32_t x, int32_t sx, int32_t sy) {
+            memcpy(out + 4 * (ptrdiff_t)(x - window.begin),
+                   frame + 4 * ((size_t)sy * width + (size_t)sx), 4);
+        });
+        memset(out + 4 * (size_t)(span.end - window.begin), 0, 4 * (size_t)(window.end - span.end));
+    }
 }

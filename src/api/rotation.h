@@ -32,9 +32,15 @@ bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_ext
                        rotated_mask* rotated);
 void free_rotated_mask(rotated_mask* rotated);
 
-// Fills the pixels of the window in `rotated`, a frame of 4-byte pixels like `frame`. Byte 0 holds
-// nothing of use.
-void rotate_colours(const rotation* turn, const uint8_t* frame, const pixel_window* window,
-                    uint8_t* rotated);
+// The rotated colours of a window.
+typedef struct colour_rotation {
+    rotation turn;
+    const uint8_t* frame;  // 4-byte pixels, turn.width x turn.height
+    pixel_window window;
+    uint8_t* rotated;  // packed rows of the window's 4-byte pixels; byte 0 holds nothing of use
+} colour_rotation;
+
+// Fills rows [begin, end) of the window. `work` is a colour_rotation; the band does not matter.
+void rotate_colours(void* work, int32_t band, int32_t begin, int32_t end);
 
 #endif

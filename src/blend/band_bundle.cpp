@@ -96,6 +96,14 @@ void* band_bundle_dst(void* arg) {
     return NULL;
 }
 
+void* band_bundle_prepare(void* arg) {
+    const band_bundle* bundle = (const band_bundle*)arg;
+    bundle->prepare->rows(bundle->prepare->arg, bundle->band, bundle->begin, bundle->end);
+    share_work(bundle->beside);
+    pool_signal_done(bundle->pool);
+    return NULL;
+}
+
 void* band_bundle_build(void* arg) {
     band_bundle_src(arg);
     band_bundle_dst(arg);

@@ -44,6 +44,7 @@ typedef struct band_bundle {
     picture src, dst, result;                       // the finer level
     picture coarse_src, coarse_dst, coarse_result;  // the coarser one
     side_work* beside;  // what a build task helps with when its own rows are done; may be null
+    const row_work* prepare;  // of a preparing task; its rows are [begin, end)
     const uint8_t* mask;
     uint8_t* coarse_mask;
     uint8_t* scratch;
@@ -55,11 +56,13 @@ void* band_bundle_src(void* bundle);
 void* band_bundle_dst(void* bundle);
 
 // Pool tasks; each ends with pool_signal_done and returns null.
+//   band_bundle_prepare   rows of the source, before anything reads them
 //   band_bundle_build     both halves of the way down
 //   band_bundle_collapse  the way up: both Laplacian levels, their blend, and its sum with the
 //   coarser
 //                         result, for all fine rows that the band's coarse rows expand to
 //   band_bundle_top       the coarsest level of all: blended and narrowed to bytes
+void* band_bundle_prepare(void* bundle);
 void* band_bundle_build(void* bundle);
 void* band_bundle_collapse(void* bundle);
 void* band_bundle_top(void* bundle);

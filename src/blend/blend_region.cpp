@@ -8,6 +8,7 @@
 #include "blend/rectangle.h"
 #include "blend/resize.h"
 #include "blend/rotated_icon.h"
+#include "frame.h"
 #include "kernels/row_ops.h"
 #include "memory.h"
 
@@ -53,20 +54,6 @@ static int32_t place_zoomed(int32_t corner, int32_t margin_levels, int32_t crop_
     return zoomed_size + (float)start > last ? float_to_i32(last - zoomed_size) : start;
 }
 
-// The source rectangle at the zoomed size, or null without memory.
-static uint8_t* zoom_source(const blend_image* src, const blend_box* box, int32_t crop_width,
-                            int32_t crop_height) {
-    uint8_t* patch = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
-    const picture crop =
-        frame_picture(src->data, src->width, src->height, box->crop_left, box->crop_top);
-    if (patch != NULL && resize_rectangle(&crop, crop_width, crop_height, patch, box->zoom_width,
-                                          box->zoom_height) != 0) {
-        free(patch);
-        patch = NULL;
-    }
-    return patch;
-}
-
 // A rectangle of a frame, copied into a patch of its own; null without memory.
 static uint8_t* cut_patch(const picture* frame, int32_t width, int32_t height) {
     uint8_t* patch = (uint8_t*)alloc_plane(width, height, 3);
@@ -86,8 +73,8 @@ enum { COPY_ROWS = 64 };
 
 static int32_t copy_pieces(const frame_copy* copy) {
     // The two may be one buffer, which holds everything already.
-    if (copy->from->data == copy->to->data || copy->from->width < 1) return 0;
-    return copy->from->height < 1 ? 0 : (copy->from->height - 1) / COPY_ROWS + 1;
+    if (copy->from->data == copy->to->data || frame_bytes(copy->from) == 0) return 0;
+    return (copy->from->height - 1) / COPY_ROWS + 1;
 }
 
 static void copy_span(const frame_copy* copy, size_t begin_pixel, size_t end_pixel) {
@@ -111,25 +98,54 @@ static void copy_piece(void* arg, int32_t index) {
 
 // The whole frame at once; `from` and `to` may overlap in any way.
 static void copy_frame(const frame_copy* copy) {
-    if (copy->from->width < 1 || copy->from->height < 1) return;
-    copy_span(copy, 0, (size_t)copy->from->width * (size_t)copy->from->height);
-}
-
-static bool overlaps(const uint8_t* a, const uint8_t* b, size_t bytes) {
-    return (uintptr_t)a < (uintptr_t)b + bytes && (uintptr_t)b < (uintptr_t)a + bytes;
+    copy_span(copy, 0, frame_bytes(copy->from) / 4);
 }
 
 // Whether the output can be written while the inputs are still being read: it shares no byte with
 // the source, and with the destination none or, pixel for pixel, all.
-static bool can_stream(const picture* src, const blend_image* dst, const blend_image* out) {
-    const size_t bytes =
-        dst->width < 1 || dst->height < 1 ? 0 : 4 * (size_t)dst->width * (size_t)dst->height;
-    const bool reads_src = !src->packed && overlaps(src->pixels, out->data, bytes);
-    return !reads_src && (dst->data == out->data || !overlaps(dst->data, out->data, bytes));
+static bool can_stream(const blend_image* src, const blend_image* dst, const blend_image* out) {
+    const size_t bytes = frame_bytes(dst);
+    return !frame_overlaps(src, out->data, bytes) &&
+           (dst->data == out->data || !frame_overlaps(dst, out->data, bytes));
+}
+
+// The source of a blend and what must be done before it can be read.
+typedef struct blend_source {
+    picture rectangle;
+    const row_work* prepare[2];
+    rectangle_resize resize;  // where there is a zoom
+    row_work resize_work;
+} blend_source;
+
+static bool open_source(const blend_image* src, const row_work* fill, const blend_box* box,
+                        int32_t crop_width, int32_t crop_height, float zoom, blend_source* source) {
+    *source = blend_source();
+    source->prepare[0] = fill;
+    source->rectangle =
+        frame_picture(src->data, src->width, src->height, box->zoom_left, box->zoom_top);
+    if (zoom == 1.0f) return true;
+    rectangle_resize* resize = &source->resize;
+    resize->from = frame_picture(src->data, src->width, src->height, box->crop_left, box->crop_top);
+    resize->src_width = crop_width;
+    resize->src_height = crop_height;
+    resize->dst_width = box->zoom_width;
+    resize->dst_height = box->zoom_height;
+    resize->dst = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
+    if (!open_resize(resize) || resize->dst == NULL) return false;
+    const row_work work = {resize_band, resize, box->zoom_height};
+    source->resize_work = work;
+    source->prepare[1] = &source->resize_work;
+    source->rectangle = packed_picture(resize->dst, box->zoom_width, box->zoom_height);
+    return true;
+}
+
+static void close_source(blend_source* source) {
+    close_resize(&source->resize);
+    free(source->resize.dst);
 }
 
 // Blends the rectangles straight from frame to frame, and copies the rest of the frame beside it.
-static int32_t blend_streamed(const picture* src, const picture* dst, const uint8_t* mask,
+static int32_t blend_streamed(const blend_source* src, const picture* dst, const uint8_t* mask,
                               frame_copy* copy, blend_workspace* ws) {
     const int64_t right = dst->x + (int64_t)ws->width, bottom = dst->y + (int64_t)ws->height;
     if (dst->x >= 0 && dst->y >= 0 && right <= dst->frame_width && bottom <= dst->frame_height) {
@@ -141,21 +157,25 @@ static int32_t blend_streamed(const picture* src, const picture* dst, const uint
     picture result = *dst;
     result.pixels = copy->to->data;
     side_work beside = {copy_piece, copy, copy_pieces(copy), 0};
-    return blend_pictures(src, dst, mask, &result, ws, &beside);
+    const pyramid_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
+    return blend_pictures(&src->rectangle, dst, mask, &result, ws, &extras);
 }
 
 // Blends copies of the rectangles and writes the output when all inputs have been read.
-static int32_t blend_patches(const picture* src, const picture* dst, const uint8_t* mask,
-                             frame_copy* copy, blend_workspace* ws, bool single_level) {
+static int32_t blend_patches(const blend_source* src, const picture* dst, const uint8_t* mask,
+                             const frame_copy* copy, blend_workspace* ws) {
     const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
     const size_t patch_bytes = 3 * (size_t)width * (size_t)height;
-    uint8_t* src_copy = src->packed ? NULL : cut_patch(src, width, height);
+    do_rows(src->prepare[0]);
+    do_rows(src->prepare[1]);
+    const bool packed = src->rectangle.packed;
+    uint8_t* src_copy = packed ? NULL : cut_patch(&src->rectangle, width, height);
+    const uint8_t* src_patch = packed ? src->rectangle.pixels : src_copy;
     uint8_t* dst_patch = cut_patch(dst, width, height);
     uint8_t* result_patch = (uint8_t*)alloc_plane(width, height, 3);
-    const uint8_t* src_patch = src->packed ? src->pixels : src_copy;
     int32_t status = -1;
     if (src_patch != NULL && dst_patch != NULL && result_patch != NULL) {
-        if (single_level) {
+        if (ws->levels == 0) {
             active_rows()->widen(src_patch, ws->lap_src[0], patch_bytes);
             active_rows()->widen(dst_patch, ws->lap_dst[0], patch_bytes);
         }
@@ -173,59 +193,45 @@ static int32_t blend_patches(const picture* src, const picture* dst, const uint8
 }
 
 // The destination rectangle for an object whose bare corner is to stand at (x, y).
-static picture place_destination(const blend_image* src, const blend_image* dst, int32_t x,
-                                 int32_t y, int32_t crop_width, int32_t crop_height,
-                                 int32_t margin_levels, float zoom) {
+static picture place_destination(const blend_image* dst, int32_t x, int32_t y, int32_t crop_width,
+                                 int32_t crop_height, int32_t margin_levels, float zoom) {
     const bool zoomed = zoom != 1.0f;
-    const int32_t left = zoomed ? place_zoomed(x, margin_levels, crop_width, src->width, zoom)
-                                : place_unzoomed(x, margin_levels, crop_width, src->width);
-    const int32_t top = zoomed ? place_zoomed(y, margin_levels, crop_height, src->height, zoom)
-                               : place_unzoomed(y, margin_levels, crop_height, src->height);
+    const int32_t left = zoomed ? place_zoomed(x, margin_levels, crop_width, dst->width, zoom)
+                                : place_unzoomed(x, margin_levels, crop_width, dst->width);
+    const int32_t top = zoomed ? place_zoomed(y, margin_levels, crop_height, dst->height, zoom)
+                               : place_unzoomed(y, margin_levels, crop_height, dst->height);
     return frame_picture(dst->data, dst->width, dst->height, left, top);
-}
-
-static int32_t blend_box_pixels(const blend_image* src, const picture* dst_rectangle,
-                                const uint8_t* mask, frame_copy* copy, const blend_box* box,
-                                int32_t crop_width, int32_t crop_height, int32_t levels,
-                                float zoom) {
-    const int32_t width = box->zoom_width, height = box->zoom_height;
-    uint8_t* zoomed = NULL;
-    picture source =
-        frame_picture(src->data, src->width, src->height, box->zoom_left, box->zoom_top);
-    if (zoom != 1.0f) {
-        zoomed = zoom_source(src, box, crop_width, crop_height);
-        if (zoomed == NULL) return -1;
-        source = packed_picture(zoomed, width, height);
-    }
-    int32_t status = -1;
-    blend_workspace* ws = alloc_blend_workspace(width, height, levels > 0 ? (uint32_t)levels : 0);
-    if (ws != NULL) {
-        const bool streams =
-            levels > 0 && height >= MIN_BAND_HEIGHT && can_stream(&source, copy->from, copy->to);
-        status = streams ? blend_streamed(&source, dst_rectangle, mask, copy, ws)
-                         : blend_patches(&source, dst_rectangle, mask, copy, ws, levels < 1);
-    }
-    free_blend_workspace(ws);
-    free(zoomed);
-    return status;
 }
 
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
                      const blend_image* out, int32_t x, int32_t y, int32_t crop_width,
                      int32_t crop_height, int32_t center_x, int32_t center_y, int32_t levels,
-                     int32_t margin_levels, int32_t trace, float zoom) {
+                     int32_t margin_levels, int32_t trace, float zoom, const row_work* fill) {
     blend_box box;
     frame_copy copy = {dst, out, 0, 0, 0, 0};
-    int32_t status = 0;
     place_blend_box(dst, center_x, center_y, crop_width, crop_height, trace, zoom, &box);
     if (crop_width < 1 || crop_height < 1 || box.zoom_width < 1 || box.zoom_height < 1) {
         copy_frame(&copy);
-    } else {
-        const picture rectangle =
-            place_destination(src, dst, x, y, crop_width, crop_height, margin_levels, zoom);
-        status = blend_box_pixels(src, &rectangle, mask, &copy, &box, crop_width, crop_height,
-                                  levels, zoom);
+        free_rotated_icon();
+        return 0;
     }
+    const picture rectangle =
+        place_destination(dst, x, y, crop_width, crop_height, margin_levels, zoom);
+    blend_source source;
+    blend_workspace* ws = NULL;
+    int32_t status = -1;
+    if (open_source(src, fill, &box, crop_width, crop_height, zoom, &source)) {
+        ws = alloc_blend_workspace(box.zoom_width, box.zoom_height,
+                                   levels > 0 ? (uint32_t)levels : 0);
+    }
+    if (ws != NULL) {
+        const bool streams =
+            levels > 0 && box.zoom_height >= MIN_BAND_HEIGHT && can_stream(src, dst, out);
+        status = streams ? blend_streamed(&source, &rectangle, mask, &copy, ws)
+                         : blend_patches(&source, &rectangle, mask, &copy, ws);
+    }
+    free_blend_workspace(ws);
+    close_source(&source);
     free_rotated_icon();
     return status;
 }

@@ -45,7 +45,10 @@ static bool alloc_band_scratch(pyramid_run* run) {
     return scratch != NULL;
 }
 
-static bool run_stages(pyramid_run* run) {
+static bool run_stages(pyramid_run* run, const pyramid_extras* extras) {
+    for (const row_work* work : extras->prepare) {
+        if (work != NULL) prepare_source(run, work);
+    }
     // With a single level the first stage writes the result already.
     if (run->levels == 0) share_work(run->beside);
     for (int32_t l = 0; l < run->levels; l++) {
@@ -59,11 +62,11 @@ static bool run_stages(pyramid_run* run) {
 }
 
 int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
-                       const picture* result, blend_workspace* ws, side_work* beside) {
+                       const picture* result, blend_workspace* ws, const pyramid_extras* extras) {
     pyramid_run run = pyramid_run();
     run.ws = ws;
     run.levels = buildable_levels(ws);
-    run.beside = beside;
+    run.beside = extras->beside;
     run.layout_mask.step = 1;
     run.layout_c3.step = 3;
     run.src[0] = *src;
@@ -74,7 +77,7 @@ int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* ma
         thread_pool* pool = NULL;
         if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
     }
-    const bool done = alloc_band_scratch(&run) && run_stages(&run);
+    const bool done = alloc_band_scratch(&run) && run_stages(&run, extras);
     if (run.pool != NULL) pool_destroy(run.pool);
     free(run.band_scratch[0]);
     return done ? 0 : -1;
@@ -94,5 +97,6 @@ int32_t pyramid_blend(const uint8_t* src_patch, const uint8_t* dst_patch, const 
     const picture src = packed_picture((uint8_t*)(uintptr_t)src_patch, width, height);
     const picture dst = packed_picture((uint8_t*)(uintptr_t)dst_patch, width, height);
     const picture result = packed_picture(result_patch, width, height);
-    return blend_pictures(&src, &dst, mask, &result, ws, NULL);
+    const pyramid_extras extras = {{NULL, NULL}, NULL};
+    return blend_pictures(&src, &dst, mask, &result, ws, &extras);
 }

@@ -28,10 +28,17 @@ int32_t pyramid_blend(const uint8_t* src_patch, const uint8_t* dst_patch, const 
                       uint8_t* result_patch, uint8_t* scratch_patch, size_t patch_bytes,
                       blend_workspace* ws);
 
+// Work besides the blend itself.
+typedef struct pyramid_extras {
+    const row_work* prepare[2];  // fills the source, one after the other; null where there is none
+    side_work* beside;           // null where there is none
+} pyramid_extras;
+
 // The same between rectangles of frames, for ws->levels of at least 1 and a height of at least 16.
-// `result` may be the rectangle of `dst` itself. `beside`, which may be null, is done by all
-// threads together before the first row of the result is written, when the call gets that far.
+// `result` may be the rectangle of `dst` itself. The preparing work comes first. The work
+// beside is done by all threads together before the first row of the result is written, when the
+// call gets that far.
 int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
-                       const picture* result, blend_workspace* ws, side_work* beside);
+                       const picture* result, blend_workspace* ws, const pyramid_extras* extras);
 
 #endif

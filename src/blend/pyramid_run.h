@@ -21,6 +21,9 @@ typedef struct pyramid_run {
     band_bundle band_bundles[BAND_COUNT];
 } pyramid_run;
 
+// Fills rows of the source before the first level is built.
+void prepare_source(pyramid_run* run, const row_work* work);
+
 // Builds level + 1 of the source, the destination and the mask from `level`. False without memory.
 bool build_level(pyramid_run* run, int32_t level);
 

@@ -80,6 +80,13 @@ static void fill_bundles(pyramid_run* run, int32_t level, int32_t rows) {
     }
 }
 
+void prepare_source(pyramid_run* run, const row_work* work) {
+    fill_bundles(run, run->levels, work->height);
+    for (int32_t k = 0; k < BAND_COUNT; k++)
+        run->band_bundles[k].prepare = work;
+    run_stage(run, band_bundle_prepare);
+}
+
 static bool fits_bands(const pyramid_run* run, int32_t level) {
     return level_width(run, level) > 0 && level_height(run, level) >= MIN_BAND_HEIGHT;
 }

@@ -78,63 +78,67 @@ int32_t resize_plane(const uint8_t* src, uint8_t* dst, int32_t src_width, int32_
 // What the walk over the rows of a rectangle keeps. Two horizontally resized rows are enough: an
 // output row lies between a source row and the next, which differ in their lowest bit.
 typedef struct row_window {
-    const picture* from;
-    int32_t src_width, dst_width;
-    row_tap* taps;  // of each output column
-    uint8_t* cut;   // a source row, its last pixel repeated, and what a vector may read behind it
+    const rectangle_resize* resize;
+    uint8_t* cut;  // a source row, its last pixel repeated, and what a vector may read behind it
     uint8_t* resized[2];  // rows of dst_width pixels
     int64_t row[2];       // which source rows they are
 } row_window;
 
-static bool open_window(row_window* w) {
-    w->taps = (row_tap*)alloc_plane(w->dst_width, 1, sizeof(row_tap));
-    w->cut = (uint8_t*)alloc_plane((int64_t)w->src_width + 4, 1, 3);
-    w->resized[0] = (uint8_t*)alloc_plane(w->dst_width, 2, 3);
-    if (w->taps == NULL || w->cut == NULL || w->resized[0] == NULL) return false;
-    w->resized[1] = w->resized[0] + 3 * (size_t)w->dst_width;
-    w->row[0] = w->row[1] = -1;
-    const int64_t step = fixed_step(w->src_width, w->dst_width);
-    for (int32_t j = 0; j < w->dst_width; j++) {
-        const resize_tap tap = tap_at(j * step, w->src_width);
+static size_t cut_bytes(const rectangle_resize* r) {
+    return 3 * ((size_t)r->src_width + 4);
+}
+
+static size_t window_bytes(const rectangle_resize* r) {
+    return cut_bytes(r) + 2 * 3 * (size_t)r->dst_width;
+}
+
+bool open_resize(rectangle_resize* r) {
+    r->taps = (row_tap*)alloc_plane(r->dst_width, 1, sizeof(row_tap));
+    r->rows = (uint8_t*)alloc_plane((int64_t)window_bytes(r), 4, 1);
+    if (r->taps == NULL || r->rows == NULL) return false;
+    const int64_t step = fixed_step(r->src_width, r->dst_width);
+    for (int32_t j = 0; j < r->dst_width; j++) {
+        const resize_tap tap = tap_at(j * step, r->src_width);
         // A neighbour before the first pixel has no weight: the first pixel's is 128 there.
-        w->taps[j].sample = (int32_t)tap.a;
-        w->taps[j].weight = tap.a == tap.b ? 0 : tap.weight_b;
+        r->taps[j].sample = (int32_t)tap.a;
+        r->taps[j].weight = tap.a == tap.b ? 0 : tap.weight_b;
     }
     return true;
 }
 
-static void close_window(row_window* w) {
-    free(w->taps);
-    free(w->cut);
-    free(w->resized[0]);
+void close_resize(rectangle_resize* r) {
+    free(r->taps);
+    free(r->rows);
 }
 
 static const uint8_t* window_row(row_window* w, size_t row) {
+    const rectangle_resize* r = w->resize;
     const size_t slot = row % 2;
     if (w->row[slot] != (int64_t)row) {
-        const size_t row_bytes = 3 * (size_t)w->src_width;
-        const uint8_t* packed = read_rows(w->from, (int32_t)row, 1, w->src_width, w->cut);
+        const size_t row_bytes = 3 * (size_t)r->src_width;
+        const uint8_t* packed = read_rows(&r->from, (int32_t)row, 1, r->src_width, w->cut);
         if (packed != w->cut) memcpy(w->cut, packed, row_bytes);
         memcpy(w->cut + row_bytes, w->cut + row_bytes - 3, 3);
-        active_rows()->resample_row_c3(w->cut, w->taps, w->resized[slot], (size_t)w->dst_width);
+        active_rows()->resample_row_c3(w->cut, r->taps, w->resized[slot], (size_t)r->dst_width);
         w->row[slot] = (int64_t)row;
     }
     return w->resized[slot];
 }
 
-int32_t resize_rectangle(const picture* from, int32_t src_width, int32_t src_height, uint8_t* dst,
-                         int32_t dst_width, int32_t dst_height) {
-    if (src_width < 1 || src_height < 1 || dst_width < 1) return 0;
-    row_window w = {from, src_width, dst_width, NULL, NULL, {NULL, NULL}, {-1, -1}};
-    const bool opened = open_window(&w);
-    const int64_t step = fixed_step(src_height, dst_height);
-    const size_t row_bytes = 3 * (size_t)dst_width;
-    for (int32_t i = 0; i < dst_height && opened; i++) {
-        const resize_tap tap = tap_at(i * step, src_height);
+void resize_band(void* arg, int32_t band, int32_t begin, int32_t end) {
+    const rectangle_resize* r = (const rectangle_resize*)arg;
+    const size_t row_bytes = 3 * (size_t)r->dst_width;
+    row_window w;
+    w.resize = r;
+    w.cut = r->rows + (size_t)band * window_bytes(r);
+    w.resized[0] = w.cut + cut_bytes(r);
+    w.resized[1] = w.resized[0] + row_bytes;
+    w.row[0] = w.row[1] = -1;
+    const int64_t step = fixed_step(r->src_height, r->dst_height);
+    for (int32_t i = begin; i < end; i++) {
+        const resize_tap tap = tap_at(i * step, r->src_height);
         const uint8_t* a = window_row(&w, tap.a);
         const uint8_t* b = window_row(&w, tap.b);
-        active_rows()->mix_rows(a, b, tap.weight_b, dst + (size_t)i * row_bytes, row_bytes);
+        active_rows()->mix_rows(a, b, tap.weight_b, r->dst + (size_t)i * row_bytes, row_bytes);
     }
-    close_window(&w);
-    return opened ? 0 : -1;
 }

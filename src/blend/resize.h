@@ -13,13 +13,29 @@
 #define IMAGEBLEND_BLEND_RESIZE_H
 
 #include "blend/picture.h"
+#include "kernels/row_ops.h"
 
-// Both passes over a rectangle of `src_width` x `src_height` pixels of a 4-byte frame, which is cut
+// The resize of a rectangle of `src_width` x `src_height` pixels of a 4-byte frame, which is cut
 // row by row as the output needs it, into a packed patch of three channels; a channel is a plane of
-// its own in all but its place in memory. Returns 0, or -1 with the patch untouched without memory
-// for a few rows.
-int32_t resize_rectangle(const picture* from, int32_t src_width, int32_t src_height, uint8_t* dst,
-                         int32_t dst_width, int32_t dst_height);
+// its own in all but its place in memory. Up to four bands of output rows may be made at the same
+// time.
+typedef struct rectangle_resize {
+    picture from;
+    int32_t src_width, src_height;
+    uint8_t* dst;
+    int32_t dst_width, dst_height;
+    row_tap* taps;  // of each output column
+    uint8_t* rows;  // working rows of the four bands
+} rectangle_resize;
+
+// Allocates the taps and the working rows for a record whose other fields are set; false without
+// memory. close_resize frees them in either case.
+bool open_resize(rectangle_resize* resize);
+void close_resize(rectangle_resize* resize);
+
+// Makes output rows [begin, end) with the working rows of band 0 .. 3. `resize` is a
+// rectangle_resize.
+void resize_band(void* resize, int32_t band, int32_t begin, int32_t end);
 
 // Both passes, rows first. Returns 0, or -1 with the target untouched when the intermediate plane
 // of dst_width x src_height pixels cannot be had.

@@ -1,10 +1,11 @@
-// Work that is cut into independent pieces and shared by whatever threads come along.
+// Work that the blend's threads do beside or before the pyramid.
 #ifndef IMAGEBLEND_BLEND_SIDE_WORK_H
 #define IMAGEBLEND_BLEND_SIDE_WORK_H
 
 #include <stddef.h>
 #include <stdint.h>
 
+// Work that is cut into independent pieces and shared by whatever threads come along.
 typedef struct side_work {
     void (*piece)(void* arg, int32_t index);
     void* arg;
@@ -20,6 +21,19 @@ static inline void share_work(side_work* work) {
     while ((index = __atomic_fetch_add(&work->next, 1, __ATOMIC_RELAXED)) < work->count) {
         work->piece(work->arg, index);
     }
+}
+
+// Work that fills the rows of a picture before the first level reads it, a band of rows on each
+// thread. Rows [begin, end) of band 0 .. 3.
+typedef struct row_work {
+    void (*rows)(void* arg, int32_t band, int32_t begin, int32_t end);
+    void* arg;
+    int32_t height;
+} row_work;
+
+// All rows on the calling thread. Null is no work.
+static inline void do_rows(const row_work* work) {
+    if (work != NULL) work->rows(work->arg, 0, 0, work->height);
 }
 
 #endif
