@@ -1,0 +1,136 @@
+// Prints one table of the medians in the JSON files of the benchmark programs, and the bars.
+// Usage: bench_table [--plot FILE] JSON...
+#include <cstdio>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "results.h"
+
+namespace {
+
+void print_row(const std::string& head, const std::vector<std::string>& cells) {
+    printf("  %-22s", head.c_str());
+    for (const std::string& cell : cells)
+        printf(" %12s", cell.c_str());
+    printf("\n");
+}
+
+void print_pyramids(const results& from) {
+    printf(
+        "\nPyramid alone, ns for each pixel (_1: OpenCV on one thread; 16s: with 16-bit\nweights; "
+        "memcpy of 25 bytes)\n");
+    print_row("side", {"imageblend", "fresh memory", "by hand_1", "by hand", "multiband_1",
+                       "multiband", "multi 16s", "memcpy"});
+    for (const int side : pyramid_sides()) {
+        std::vector<std::string> cells;
+        for (const char* kind : {"imageblend", "imageblend_fresh", "by_hand_1", "by_hand",
+                                 "multiband_1", "multiband", "multiband_16s", "memcpy_25"})
+            cells.push_back(number(pyramid_ns(from, kind, side) / side / side, 3));
+        print_row(std::to_string(side), cells);
+    }
+    printf("\nTimes of the fastest variant of each, divided by ours\n");
+    print_row("side", {"by hand", "MultiBand", "memcpy", "hand/fresh", "multi/fresh"});
+    for (const int side : pyramid_sides()) {
+        const double ours = pyramid_ns(from, "imageblend", side);
+        const double fresh = pyramid_ns(from, "imageblend_fresh", side);
+        const double by_hand = by_hand_ns(from, side), multiband = multiband_ns(from, side);
+        print_row(std::to_string(side), {number(by_hand / ours, 2), number(multiband / ours, 2),
+                                         number(pyramid_ns(from, "memcpy_25", side) / ours, 2),
+                                         number(by_hand / fresh, 2), number(multiband / fresh, 2)});
+    }
+}
+
+void print_calls(const results& from) {
+    printf("\nWhole calls and their peak memory beyond the caller's buffers\n");
+    print_row("scene", {"ms", "MiB", "B/region px", "B/frame px"});
+    for (const std::string& name : from.names("call/")) {
+        const std::string scene = name.substr(5), memory = "memory/" + scene;
+        print_row(scene, {number(from.time_ns(name) / 1e6, 3),
+                          number(from.value(memory, "peak_bytes") / (1 << 20), 2),
+                          number(from.value(memory, "per_region_pixel"), 2),
+                          number(from.value(memory, "per_frame_pixel"), 3)});
+    }
+    for (const std::string& name : from.names("frame_copy/"))
+        print_row("frame " + name.substr(11, name.find('_', 11) - 11) + " copied",
+                  {number(from.time_ns(name) / 1e6, 3)});
+    for (const std::string& name : from.names("region/"))
+        print_row("pyramid " + name.substr(name.rfind('/') + 1) + " alone",
+                  {number(from.time_ns(name) / 1e6, 3)});
+}
+
+void print_rows(const results& from) {
+    printf("\nRow operations, GB/s read and written\n");
+    print_row("operation", {"plain", "active", "memcpy", "active/plain", "of memcpy"});
+    const std::string suffix = "/plain";
+    for (const std::string& name : from.names("rows/")) {
+        const size_t at = name.rfind(suffix);
+        if (at == std::string::npos) continue;
+        const std::string row = name.substr(0, at);
+        const auto speed = [&](const char* path) {
+            return from.value(row + path, "bytes_per_second") / 1e9;
+        };
+        const double plain = speed("/plain"), active = speed("/active"), copy = speed("/memcpy");
+        print_row(row.substr(5), {number(plain, 2), number(active, 2), number(copy, 2),
+                                  number(active / plain, 2), number(active / copy, 2)});
+    }
+}
+
+void print_quality(const results& from) {
+    printf(
+        "\nQuality at 1024: grey levels that destination pixels moved outside the mask, and more\n"
+        "than 64 pixels from the object; gradient energy kept of that of a plain paste\n");
+    print_row("blend", {"mean", "largest", "mean > 64", "largest > 64", "energy in", "energy out"});
+    for (const std::string& name : from.names("quality/")) {
+        print_row(name.substr(8), {number(from.value(name, "outside_mean"), 3),
+                                   number(from.value(name, "outside_largest"), 0),
+                                   number(from.value(name, "beyond_mean"), 3),
+                                   number(from.value(name, "beyond_largest"), 0),
+                                   number(from.value(name, "energy_inside"), 4),
+                                   number(from.value(name, "energy_outside"), 4)});
+    }
+}
+
+// One line for each size: side and ns/pixel of ours, of the blend by hand and of MultiBandBlender.
+void write_plot_data(const results& from, const std::string& path) {
+    std::ofstream file(path);
+    for (const int side : pyramid_sides()) {
+        const double pixels = static_cast<double>(side) * side;
+        file << side << " " << pyramid_ns(from, "imageblend", side) / pixels << " "
+             << by_hand_ns(from, side) / pixels << " " << multiband_ns(from, side) / pixels << "\n";
+    }
+    if (!file.flush()) throw std::runtime_error(path + ": cannot be written");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> paths(argv + 1, argv + argc);
+    std::string plot;
+    if (paths.size() >= 2 && paths[0] == "--plot") {
+        plot = paths[1];
+        paths.erase(paths.begin(), paths.begin() + 2);
+    }
+    if (paths.empty()) {
+        std::cerr << "usage: bench_table [--plot FILE] JSON...\n";
+        return 2;
+    }
+    try {
+        const results from(paths);
+        printf("Medians of %d rounds; %s\n", from.rounds, from.machine.c_str());
+        print_pyramids(from);
+        print_calls(from);
+        print_rows(from);
+        print_quality(from);
+        const int missed = print_bars(from);
+        if (!plot.empty()) write_plot_data(from, plot);
+        printf("\n%d of the bars missed\n", missed);
+    } catch (const std::exception& error) {
+        std::cerr << "bench_table: " << error.what() << "\n";
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,69 @@
+#include "patch_blends.h"
+
+#include <memory>
+#include <stdexcept>
+
+#include "blend/pyramid_blend.h"
+
+#ifdef IMAGEBLEND_BENCH_OPENCV
+#include <opencv2/core.hpp>
+#endif
+
+namespace {
+
+using workspace_ptr = std::unique_ptr<blend_workspace, decltype(&free_blend_workspace)>;
+
+workspace_ptr make_workspace(int32_t side) {
+    workspace_ptr ws(alloc_blend_workspace(side, side, DEPTH), free_blend_workspace);
+    if (!ws) throw std::runtime_error("no memory for a workspace of side " + std::to_string(side));
+    return ws;
+}
+
+void blend(const patch_pair& patches, std::vector<uint8_t>& out, blend_workspace* ws) {
+    if (pyramid_blend(patches.src.data(), patches.dst.data(), patches.mask.data(), out.data(),
+                      nullptr, out.size(), ws) != 0) {
+        throw std::runtime_error("pyramid_blend failed for side " + std::to_string(patches.side));
+    }
+}
+
+}  // namespace
+
+patch_blend make_imageblend(const patch_pair& patches) {
+    auto out = std::make_shared<std::vector<uint8_t>>(patches.dst.size());
+    const std::shared_ptr<blend_workspace> ws = make_workspace(patches.side);
+    return {[&patches, out, ws] { blend(patches, *out, ws.get()); }, [out] { return *out; }};
+}
+
+patch_blend make_imageblend_fresh(const patch_pair& patches) {
+    auto out = std::make_shared<std::vector<uint8_t>>(patches.dst.size());
+    return {[&patches, out] { blend(patches, *out, make_workspace(patches.side).get()); },
+            [out] { return *out; }};
+}
+
+std::vector<uint8_t> paste(const patch_pair& patches) {
+    std::vector<uint8_t> out = patches.dst;
+    for (size_t i = 0; i < out.size(); i++) {
+        if (patches.mask[i / 3] != 0) out[i] = patches.src[i];
+    }
+    return out;
+}
+
+const std::vector<blend_kind>& blend_kinds() {
+    static const std::vector<blend_kind> kinds = {
+        {"imageblend", make_imageblend, -1},
+#ifdef IMAGEBLEND_BENCH_OPENCV
+        {"by_hand_1", make_by_hand, 1},
+        {"by_hand", make_by_hand, -1},
+        {"multiband_1", make_multiband, 1},
+        {"multiband", make_multiband, -1},
+        {"multiband_16s", make_multiband_16s, -1},
+#endif
+    };
+    return kinds;
+}
+
+void set_peer_threads([[maybe_unused]] int threads) {
+#ifdef IMAGEBLEND_BENCH_OPENCV
+    if (threads < 0 || threads != cv::getNumThreads()) cv::setNumThreads(threads);
+#endif
+}
