@@ -121,7 +121,8 @@ IMAGEBLEND_API int32_t vorn_create_rgb_icon(const blend_image* source, const ble
  *
  * Returns 0 when the object fits with full margins, 1 when a margin touches the border of the
  * frame (a seam may show there), -1 when the object cannot be placed or memory runs out.
- * Memory: one byte for every frame pixel while it runs, when angle is not 0; otherwise none.
+ * Memory: one byte for every pixel that the rotated object can reach while it runs, when angle is
+ * not 0; otherwise none.
  */
 IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t width, int32_t height,
                                             int32_t reserved1, int32_t reserved2, int32_t center_x,
@@ -151,9 +152,13 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  *
  * Returns 0 on success. Returns -1 with `output` untouched or a plain copy of the destination when
  * the zoomed object is larger than the destination, when the sizes differ, or when memory runs out.
- * Memory: about 40 bytes for every pixel of the zoomed rectangle, one byte for every pixel of the
- * object's box, and five bytes for every frame pixel when angle is not 0. A call that fails because
- * the zoomed object is too large keeps its rotated copy of the icon until the next blend.
+ * Memory: about 4.5 bytes for every pixel of the zoomed rectangle, 3 more when zoom is not 1, one
+ * for every pixel of the object's box, 4 more when angle is not 0, and one for every pixel that the
+ * rotated object can reach; 400 rows' worth of working rows for the threads. Where the output
+ * shares memory with the icon or, other than pixel for pixel, with the destination, 9 bytes for
+ * every pixel of the rectangle come on top. A call that fails because the zoomed object is too
+ * large does not give back the object's mask, nor the rotated object before the next blend without
+ * an angle.
  */
 IMAGEBLEND_API int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
                                           const blend_image* mask, blend_image* output,

@@ -18,4 +18,4 @@ need_packages() {
 }
 
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev)
-test_packages=(libgtest-dev libvips-tools imagemagick)
+test_packages=(libgtest-dev libvips-tools imagemagick openjdk-17-jdk-headless junit4 python3 binutils)

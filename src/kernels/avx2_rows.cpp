@@ -7,6 +7,7 @@
 
 #if defined(__AVX2__)
 
+#include <cpuid.h>
 #include <immintrin.h>
 
 typedef __m256i bytes32;
@@ -413,8 +414,25 @@ static const row_ops table = {
     narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };
 
+// Asks the processor for AVX2 and whether the system keeps 256-bit registers across a switch.
+static bool machine_has_avx2(void) {
+    unsigned a, b, c, d;
+    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0) return false;
+    unsigned low, high;
+    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
+    if ((low & 6) != 6) return false;
+    return __get_cpuid_count(7, 0, &a, &b, &c, &d) && (b & bit_AVX2) != 0;
+}
+
 const row_ops* avx2_rows(void) {
-    return __builtin_cpu_supports("avx2") ? &table : NULL;
+    // The question takes microseconds in a virtual machine, so the answer is kept: 1 no, 2 yes.
+    static int32_t answer = 0;
+    int32_t known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
+    if (known == 0) {
+        known = machine_has_avx2() ? 2 : 1;
+        __atomic_store_n(&answer, known, __ATOMIC_RELAXED);
+    }
+    return known == 2 ? &table : NULL;
 }
 
 #else

@@ -27,7 +27,7 @@ int32_t ImageCollapse_Short3C(const band_task* task);
 // `pixels` pixels; `dst` holds three bytes for each.
 void ImageMerge_Byte3C(const merge_rows* rows, uint8_t* dst, int32_t pixels);
 
-// For each channel of pixel p, with m = src[p]:
+// For each channel of pixel p, with m = src[p] and lap, lap2 in -255..255:
 //   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down
 // The weights sum to 255 under a divisor of 256, so a full mask shrinks a value slightly; this is
 // part of the design. dst_lap may be lap2. The steps of src_geom (lap), src2_geom (lap2), mask_geom

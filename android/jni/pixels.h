@@ -1,0 +1,27 @@
+/* Moves pixels and masks between Java's arrays and the library's frames. */
+#ifndef IMAGEBLEND_JNI_PIXELS_H
+#define IMAGEBLEND_JNI_PIXELS_H
+
+#include <jni.h>
+#include <stddef.h>
+#include <stdint.h>
+
+/* Throws a Java exception with a printf message; `class_name` is in the form java/lang/Error. */
+void throw_java(JNIEnv* env, const char* class_name, const char* format, ...)
+    __attribute__((format(printf, 3, 4)));
+
+/* Memory for `count` items of `item_bytes`, or null with an OutOfMemoryError thrown. */
+uint8_t* alloc_frame(JNIEnv* env, jsize count, size_t item_bytes);
+
+/* A copy of the first `count` bytes of a mask; null with an exception thrown. The caller frees it.
+ * Another thread may write the array during a call, so the library sees only copies. */
+uint8_t* copy_mask(JNIEnv* env, jbyteArray mask, jsize count);
+
+/* A copy of the first `count` pixels, 0xAARRGGBB each, in the library's order A, R, G, B; null with
+ * an exception thrown. The caller frees it. */
+uint8_t* load_pixels(JNIEnv* env, jintArray pixels, jsize count);
+
+/* Writes `count` pixels of a frame to the start of an array. Turns the frame's bytes round. */
+void store_pixels(JNIEnv* env, uint8_t* frame, jintArray pixels, jsize count);
+
+#endif /* IMAGEBLEND_JNI_PIXELS_H */
