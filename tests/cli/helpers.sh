@@ -1,0 +1,45 @@
+# shellcheck shell=bash
+# Sourced by the tests of the command line: $tool is the command, the test runs in a new folder.
+set -u
+tool=$(realpath "$1")
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cd "$work" || exit 1
+unset IMAGEBLEND_LOG
+failures=0
+
+fail() {
+    echo "FAILED: $*"
+    [ -s err ] && tail -n 20 err | sed 's/^/    stderr: /'
+    failures=$((failures + 1))
+}
+
+# run STATUS ARGUMENT...: standard output goes to `out`, standard error to `err`.
+run() {
+    local wanted=$1 status
+    shift
+    "$tool" "$@" >out 2>err
+    status=$?
+    [ $status -eq "$wanted" ] || fail "status $status instead of $wanted: $*"
+    last="$*"
+}
+says() { grep -qF -- "$1" err || fail "no '$1' on standard error: $last"; }
+no_leftovers() { [ -z "$(find . -name '.imageblend*')" ] || fail "a temporary file is left: $last"; }
+
+# flat FILE WIDTH HEIGHT VALUE BANDS
+flat() {
+    vips black flat.v "$2" "$3" --bands "$5"
+    vips linear flat.v flat2.v 0 "$4" --uchar
+    vips copy flat2.v "$1" --interpretation "$([ "$5" -eq 1 ] && echo b-w || echo srgb)"
+}
+# rectangle FILE WIDTH HEIGHT LEFT TOP RECTANGLE_WIDTH RECTANGLE_HEIGHT: white on black, one band
+rectangle() {
+    flat rectangle.v "$6" "$7" 255 1
+    vips embed rectangle.v "$1" "$4" "$5" "$2" "$3"
+}
+
+# finish: the last line of a test
+finish() {
+    [ $failures -eq 0 ] && echo "all passed"
+    exit $((failures > 0))
+}
