@@ -71,7 +71,8 @@ static bool crop_object(blend_call* call, const mask_view* mask) {
 static pixel_window colour_window(const blend_call* call) {
     const int64_t left = max_i64((int64_t)call->center_x - call->crop_width / 2, 0);
     const int64_t top = max_i64((int64_t)call->center_y - call->crop_height / 2, 0);
-    const int64_t right = left + call->crop_width, bottom = top + call->crop_height;
+    const int64_t right = left + max_i64(call->crop_width, 0);
+    const int64_t bottom = top + max_i64(call->crop_height, 0);
     const pixel_window box = {(int32_t)left, (int32_t)top, (int32_t)right, (int32_t)bottom};
     const pixel_window frame = {0, 0, call->width, call->height};
     return right > call->width || bottom > call->height ? frame : box;

@@ -41,4 +41,8 @@ typedef struct pyramid_extras {
 int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
                        const picture* result, blend_workspace* ws, const pyramid_extras* extras);
 
+// For tests: uses threads from this many pixels up; a negative number restores the library's own
+// choice. Not while a blend is running.
+void use_pool_from(int64_t pixels);
+
 #endif

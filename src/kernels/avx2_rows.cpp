@@ -414,30 +414,68 @@ static const row_ops table = {
     narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };
 
-// Asks the processor for AVX2 and whether the system keeps 256-bit registers across a switch.
-static bool machine_has_avx2(void) {
-    unsigned a, b, c, d;
-    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0) return false;
-    unsigned low, high;
-    __asm__("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-    if ((low & 6) != 6) return false;
-    return __get_cpuid_count(7, 0, &a, &b, &c, &d) && (b & bit_AVX2) != 0;
+static void wide_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width,
+                               uint8_t* __restrict dst, int32_t dst_width) {
+    avx512_filters()->reduce_row_c3(src, src_width, dst, dst_width);
 }
 
-const row_ops* avx2_rows(void) {
-    // The question takes microseconds in a virtual machine, so the answer is kept: 1 no, 2 yes.
+static void wide_expand_row_c3(const uint8_t* __restrict src, int32_t src_width,
+                               uint8_t* __restrict dst, int32_t dst_width) {
+    avx512_filters()->expand_row_c3(src, src_width, dst, dst_width);
+}
+
+static const row_ops wide_table = {
+    "avx512",        wide_reduce_row_c3,
+    reduce_row_c1,   wide_expand_row_c3,
+    reduce_column,   expand_even,
+    expand_odd,      subtract,
+    widen,           blend,
+    collapse,        merge,
+    narrow,          mix_rows,
+    resample_row_c3, pack_rgb,
+    unpack_rgb,
+};
+
+enum { HAS_NOTHING = 1, HAS_AVX2 = 2, HAS_AVX512 = 3 };
+
+// Asks the processor which vectors it has, and whether the system keeps them across a switch.
+static int32_t ask_machine(void) {
+    unsigned a, b, c, d, kept, high;
+    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0) return HAS_NOTHING;
+    __asm__("xgetbv" : "=a"(kept), "=d"(high) : "c"(0));
+    if ((kept & 0x6) != 0x6 || !__get_cpuid_count(7, 0, &a, &b, &c, &d) || (b & bit_AVX2) == 0) {
+        return HAS_NOTHING;
+    }
+    const unsigned wide = bit_AVX512F | bit_AVX512BW | bit_AVX512VL;
+    const bool has_wide = (kept & 0xe6) == 0xe6 && (b & wide) == wide && (c & bit_AVX512VBMI) != 0;
+    return has_wide ? HAS_AVX512 : HAS_AVX2;
+}
+
+// The question takes microseconds in a virtual machine, so the answer is kept.
+static int32_t machine_has(void) {
     static int32_t answer = 0;
     int32_t known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
     if (known == 0) {
-        known = machine_has_avx2() ? 2 : 1;
+        known = ask_machine();
         __atomic_store_n(&answer, known, __ATOMIC_RELAXED);
     }
-    return known == 2 ? &table : NULL;
+    return known;
+}
+
+const row_ops* avx2_rows(void) {
+    return machine_has() >= HAS_AVX2 ? &table : NULL;
+}
+
+const row_ops* avx512_rows(void) {
+    return machine_has() >= HAS_AVX512 && avx512_filters() != NULL ? &wide_table : NULL;
 }
 
 #else
 
 const row_ops* avx2_rows(void) {
+    return NULL;
+}
+const row_ops* avx512_rows(void) {
     return NULL;
 }
 

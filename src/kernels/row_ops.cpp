@@ -10,7 +10,8 @@ void force_plain_rows(bool force) {
 
 const row_ops* active_rows(void) {
     if (plain_is_forced) return &plain_rows;
-    const row_ops* rows = avx2_rows();
+    const row_ops* rows = avx512_rows();
+    if (rows == NULL) rows = avx2_rows();
     if (rows == NULL) rows = neon_rows();
     return rows != NULL ? rows : &plain_rows;
 }

@@ -6,7 +6,19 @@
 
 // The operations for one kind of vectors, or null where the machine or the build has none.
 const row_ops* avx2_rows(void);
+const row_ops* avx512_rows(void);
 const row_ops* neon_rows(void);
+
+// The filters of avx512_rows, for use where the processor is known to have them; null where the
+// build has none.
+typedef struct wide_filters {
+    void (*reduce_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width);
+    void (*expand_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width);
+} wide_filters;
+
+const wide_filters* avx512_filters(void);
 
 // Calls step(i) for runs of `size` elements that cover 0 .. count - 1, count >= size. The last run
 // overlaps the one before it, so a step must not read what a step has written.
