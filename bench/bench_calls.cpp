@@ -2,7 +2,6 @@
 // each time, with what they are measured by: the copy of a frame and the pyramid in a kept
 // workspace.
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 #include <string.h>
 
 #include <map>
@@ -52,8 +51,6 @@ void add(const std::string& name, Args... args) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Every buffer of some size is mapped for its allocation and unmapped again.
-    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
     for (const call_scene& scene : call_scenes()) {

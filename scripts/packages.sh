@@ -17,5 +17,5 @@ need_packages() {
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 }
 
-build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev)
-test_packages=(libgtest-dev libvips-tools imagemagick openjdk-17-jdk-headless junit4 python3 binutils)
+build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
+test_packages=(libgtest-dev libvips-tools parallel imagemagick openjdk-17-jdk-headless junit4 python3 binutils)

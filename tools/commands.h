@@ -18,6 +18,17 @@ struct BlendJob {
 };
 Exit run_blend(const BlendJob& job);
 
+// Draws the stages of a blend as one picture. With a folder, their planes are written there too.
+Exit run_explain(const BlendJob& job, const std::string& dump_folder);
+
+struct BatchArguments {
+    std::string jobs_file;  // "-": standard input
+    int processes = 1;
+    bool overwrite = false;
+};
+// Blends job after job in processes of its own. libvips must not have been started.
+Exit run_batch(const BatchArguments& arguments);
+
 // Prints the verdict; the output is not used.
 Exit run_verify(const BlendJob& job);
 

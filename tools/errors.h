@@ -13,6 +13,7 @@ enum class Exit : int {
     success = 0,
     seams = 1,
     cannot_place = 2,
+    jobs_failed = 3,
     usage = 64,
     bad_data = 65,
     no_input = 66,

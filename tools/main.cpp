@@ -3,12 +3,12 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <new>
 #include <string>
 #include <vips/vips8>
 
 #include "commands.h"
 #include "errors.h"
+#include "guard.h"
 #include "output_file.h"
 
 namespace {
@@ -23,6 +23,7 @@ constexpr const char* statuses =
     "  0   success; verify: fits with full margins\n"
     "  1   verify: fits, but a seam may show\n"
     "  2   the object cannot be placed; the message gives the zoom that fits\n"
+    "  3   batch: some jobs failed, the others are done\n"
     "  64  wrong arguments\n"
     "  65  unusable picture or mask (sizes differ, no object, no alpha channel)\n"
     "  66  an input file cannot be read\n"
@@ -32,6 +33,8 @@ constexpr const char* statuses =
 struct Arguments {
     tool::BlendJob job;
     std::string at;  // empty or "X,Y"
+    std::string dump_folder;
+    tool::BatchArguments batch;
 };
 
 void add_object(CLI::App& command, tool::ObjectArguments& object) {
@@ -61,7 +64,45 @@ struct Commands {
     CLI::App* verify;
     CLI::App* size;
     CLI::App* cutout;
+    CLI::App* explain;
+    CLI::App* batch;
 };
+
+void define_explain(CLI::App& explain, Arguments& arguments) {
+    add_object(explain, arguments.job.object);
+    add_placement(explain, arguments);
+    explain.add_option("PICTURE", arguments.job.output, "where to draw it, such as a .png file")
+        ->required();
+    explain
+        .add_option("--dump", arguments.dump_folder,
+                    "write every plane as a bitmap and as raw bytes into this folder")
+        ->type_name("DIR");
+    explain.footer(
+        "Example:\n"
+        "  imageblend explain dog.jpg beach.jpg stages.png --mask dog-mask.png --at 900,640\n");
+}
+
+void define_batch(CLI::App& batch, tool::BatchArguments& arguments) {
+    batch
+        .add_option("JOBS", arguments.jobs_file,
+                    "file with one JSON object a line; - reads standard input")
+        ->required();
+    batch.add_option("--jobs", arguments.processes, "processes that blend (default: 1)")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1024));
+    batch.add_flag("--overwrite", arguments.overwrite, "blend jobs whose output exists, too");
+    batch.footer(
+        "Fields of a job: source, destination, output, and if wanted mask, soft (true or false),\n"
+        "at ([X, Y]), zoom and angle, as for blend. Each output is written whole or not at all.\n"
+        "After an interrupt the jobs at hand are finished; the same command then does the rest.\n\n"
+        "Example:\n"
+        "  echo '{\"source\": \"dog.png\", \"destination\": \"beach.jpg\", \"output\": "
+        "\"out.jpg\", \"at\": [900, 640]}' >jobs.jsonl\n"
+        "  imageblend batch jobs.jsonl --jobs 4\n"
+        "On many machines that share a folder, with GNU parallel:\n"
+        "  parallel --pipe -N 100 --sshlogin one,two --wd \"$PWD\" imageblend batch - "
+        "<jobs.jsonl\n");
+}
 
 Commands define(CLI::App& app, Arguments& arguments) {
     app.set_version_flag("--version", version);
@@ -101,6 +142,11 @@ Commands define(CLI::App& app, Arguments& arguments) {
     commands.cutout->footer(
         "Example:\n"
         "  imageblend cutout dog.jpg dog.png --mask dog-mask.png\n");
+
+    commands.explain = app.add_subcommand("explain", "Show the stages of a blend in one picture");
+    define_explain(*commands.explain, arguments);
+    commands.batch = app.add_subcommand("batch", "Blend every job of a file");
+    define_batch(*commands.batch, arguments.batch);
     return commands;
 }
 
@@ -110,57 +156,62 @@ tool::Exit dispatch(const Commands& commands, Arguments& arguments) {
     if (commands.blend->parsed()) return tool::run_blend(job);
     if (commands.verify->parsed()) return tool::run_verify(job);
     if (commands.size->parsed()) return tool::run_size(job.object);
+    if (commands.explain->parsed()) return tool::run_explain(job, arguments.dump_folder);
     return tool::run_cutout(job.object, job.output);
 }
 
-tool::Exit complain(tool::Exit status, const std::string& message) {
-    std::fprintf(stderr, "imageblend: %s\n", message.c_str());
-    return status;
-}
-
-tool::Exit run(const Commands& commands, Arguments& arguments) {
-    try {
-        const tool::Exit status = dispatch(commands, arguments);
-        if (std::fflush(stdout) == 0) return status;
-        return complain(tool::Exit::no_output, "standard output: cannot be written");
-    } catch (const tool::Error& error) {
-        return complain(error.status(), error.what());
-    } catch (const vips::VError& error) {
-        return complain(tool::Exit::internal, tool::vips_message(error));
-    } catch (const std::bad_alloc&) {
-        return complain(tool::Exit::internal, "not enough memory");
-    } catch (const std::exception& error) {
-        return complain(tool::Exit::internal, error.what());
+// CLI11 would only say that a command is missing.
+std::string unknown_command(const CLI::App& app, const std::string& word) {
+    std::string names;
+    for (const CLI::App* const command : app.get_subcommands(nullptr)) {
+        if (command->get_name() == word) return "";
+        names += " " + command->get_name();
     }
+    return word + ": no such command; there are" + names;
 }
 
-void ignore_message(const char*, GLogLevelFlags, const char*, void*) {}
+tool::Exit complain_of_arguments(const CLI::App& app, const std::string& first,
+                                 const std::string& reason) {
+    const bool is_word = !first.empty() && first[0] != '-';
+    const std::string unknown = is_word ? unknown_command(app, first) : "";
+    return tool::complain(tool::Exit::usage,
+                          (unknown.empty() ? reason : unknown) + " (see --help)");
+}
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
     CLI::App app{"Pastes an object of one picture into another and hides the join.", "imageblend"};
     Arguments arguments;
     const Commands commands = define(app, arguments);
+    if (argc < 2) {
+        std::fputs(app.help().c_str(), stderr);
+        return static_cast<int>(tool::Exit::usage);
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::Success& request) {  // --help, --version
         return app.exit(request);
     } catch (const CLI::ParseError& error) {
-        return static_cast<int>(
-            complain(tool::Exit::usage, std::string(error.what()) + " (see --help)"));
+        return static_cast<int>(complain_of_arguments(app, argv[1], error.what()));
     }
 
-    tool::remove_output_on_signals();
-    if (VIPS_INIT(argv[0]) != 0) {
-        return static_cast<int>(complain(tool::Exit::internal, "libvips cannot be started"));
+    if (commands.batch->parsed()) {
+        return static_cast<int>(
+            tool::run_guarded([&] { return tool::run_batch(arguments.batch); }));
     }
-    g_log_set_handler("VIPS",
-                      static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE |
-                                                  G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG),
-                      ignore_message, nullptr);
-    vips_cache_set_max(0);  // a file that changes is read anew, and pictures are freed early
-    const tool::Exit status = run(commands, arguments);
+    tool::remove_output_on_signals();
+    if (!tool::start_vips()) return static_cast<int>(tool::Exit::internal);
+    const tool::Exit status = tool::run_guarded([&] { return dispatch(commands, arguments); });
     vips_shutdown();
     return static_cast<int>(status);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (...) {
+        std::fputs("imageblend: not enough memory\n", stderr);
+        return static_cast<int>(tool::Exit::internal);
+    }
 }

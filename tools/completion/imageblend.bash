@@ -1,0 +1,32 @@
+# Bash completion for imageblend. Source it, or install it as "imageblend" in
+# /usr/share/bash-completion/completions or ~/.local/share/bash-completion/completions.
+
+_imageblend() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
+    local command=${COMP_WORDS[1]} options='' kind=file
+    COMPREPLY=()
+
+    if [ "$COMP_CWORD" -eq 1 ]; then
+        mapfile -t COMPREPLY < <(compgen -W \
+            'blend verify size cutout explain batch --help --version' -- "$word")
+        return
+    fi
+    case $command in
+        blend | verify) options='--mask --soft --at --zoom --angle --help' ;;
+        explain) options='--mask --soft --at --zoom --angle --dump --help' ;;
+        size | cutout) options='--mask --soft --help' ;;
+        batch) options='--jobs --overwrite --help' ;;
+        *) return ;;
+    esac
+    case $before in
+        --at | --zoom | --angle | --jobs) return ;; # a number of the user's
+        --dump) kind=directory ;;
+    esac
+    if [[ $word == -* && $before != --mask && $before != --dump ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
+        return
+    fi
+    compopt -o filenames 2>/dev/null
+    mapfile -t COMPREPLY < <(compgen -A "$kind" -- "$word")
+}
+complete -F _imageblend imageblend
