@@ -12,5 +12,5 @@ __asm__(
     ".quad puts\n"
     ".popsection\n");
 // More than the library may measure.
-const char ballast[70000] __attribute__((used)) = {1};
+const char ballast[1000000] __attribute__((used)) = {1};
 #endif

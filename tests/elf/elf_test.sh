@@ -1,17 +1,16 @@
 #!/usr/bin/env bash
-# elf_test.sh READELF STRIP LIBRARY [FIFTH_EXPORT CARELESS]
+# elf_test.sh READELF STRIP MOST_BYTES LIBRARY [FIFTH_EXPORT CARELESS]
 #
 # Checks what the shared library promises to the loader. The other two are copies of it with known
 # faults, which the same checks must name: one function too many, and everything else.
 set -euo pipefail
-readelf=$1 strip=$2
+readelf=$1 strip=$2 most_bytes=$3 library=$4
 export LC_ALL=C
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 exports_wanted='vorn_create_rgb_icon vorn_get_icon_size vorn_imageBlending vorn_verify_icon_pos'
 page_bytes=16384
-most_bytes=65536
 
 exported() {
     "$readelf" --wide --dyn-syms "$1" |
@@ -31,7 +30,8 @@ check_names() {
     actual=$(dynamic "$1" SONAME)
     [ "$actual" = libimageblend.so ] || echo "soname: $actual; must be libimageblend.so"
     for name in $(dynamic "$1" NEEDED); do
-        [[ $name =~ ^lib(log|m|c)\.so(\.[0-9]+)?$ ]] || echo "needed: $name; only liblog, libm, libc"
+        [[ $name =~ ^lib(log|m|c)\.so(\.[0-9]+)?$ ]] ||
+            echo "needed: $name; must be liblog, libm or libc"
     done
 }
 
@@ -58,7 +58,8 @@ check_dynamic() {
 # Indirect branches and return addresses are protected only if every function agreed to it.
 check_branch_protection() {
     "$readelf" --file-header "$1" | grep -q 'Machine: *AArch64' || return 0
-    "$readelf" --notes "$1" 2>/dev/null | grep -q 'BTI, PAC' || echo "branch protection: no BTI, PAC"
+    "$readelf" --notes "$1" 2>/dev/null | grep -q 'BTI, PAC' ||
+        echo "branch protection: no BTI, PAC"
 }
 
 check_size() {
@@ -83,18 +84,19 @@ fail() {
     exit 1
 }
 
-found=$(faults "$3")
-[ -z "$found" ] || fail "$3:"$'\n'"$found"
+found=$(faults "$library")
+[ -z "$found" ] || fail "$library:"$'\n'"$found"
 
-if [ $# -gt 3 ]; then
-    found=$(faults "$4")
+if [ $# -gt 4 ]; then
+    found=$(faults "$5")
     [[ $found == exports:*vorn_fifth* && $(wc -l <<<"$found") -eq 1 ]] ||
         fail "a fifth function gives, in place of one fault of the exports:"$'\n'"$found"
-    found=$(faults "$5")
+    found=$(faults "$6")
     kinds=(soname needed alignment stack relro binding relocations size)
-    if "$readelf" --file-header "$5" | grep -q AArch64; then kinds+=('branch protection'); fi
+    if "$readelf" --file-header "$6" | grep -q AArch64; then kinds+=('branch protection'); fi
     for kind in "${kinds[@]}"; do
-        grep -q "^$kind:" <<<"$found" || fail "no fault of the $kind is found in $5, only:"$'\n'"$found"
+        grep -q "^$kind:" <<<"$found" ||
+            fail "no fault of the $kind is found in $6, only:"$'\n'"$found"
     done
 fi
-echo "as promised: $3"
+echo "as promised: $library"

@@ -1,0 +1,45 @@
+// How the rows of 64-bit Arm are walked. In-order cores wait for every result that is used at once,
+// so a walk gives them something else to do meanwhile; others lose nothing by it.
+#ifndef IMAGEBLEND_KERNELS_NEON_WALK_H
+#define IMAGEBLEND_KERNELS_NEON_WALK_H
+
+#include "kernels/vector_rows.h"
+
+#if defined(__aarch64__)
+
+#include <arm_neon.h>
+
+typedef uint8x16_t bytes16;
+
+// store(i, value_at(i)) for runs of `size` elements that cover 0 .. count - 1, count >= size. Two
+// runs a step, both computed before either is stored; the last ones are moved back to the end of
+// the row, so a run must not read what a run has written.
+template <class Value, class Store>
+static inline void for_each_pair(size_t count, size_t size, Value value_at, Store store) {
+    const auto step = [=](size_t i0, size_t i1) {
+        const auto first = value_at(i0), second = value_at(i1);
+        store(i0, first);
+        store(i1, second);
+    };
+    const size_t last = count - size;
+    size_t i = 0;
+    for (; i + 2 * size <= count; i += 2 * size)
+        step(i, i + size);
+    if (i < count) step(i < last ? i : last, last);
+}
+
+template <class Value>
+static inline void write_bytes(uint8_t* __restrict dst, size_t count, Value value_at) {
+    for_each_pair(count, 16, value_at, [=](size_t i, bytes16 v) { vst1q_u8(dst + i, v); });
+}
+
+template <class Value>
+static inline void write_values(int16_t* __restrict dst, size_t count, Value value_at) {
+    for_each_pair(count, 16, value_at, [=](size_t i, uint16x8x2_t v) {
+        vst1q_s16(dst + i, vreinterpretq_s16_u16(v.val[0]));
+        vst1q_s16(dst + i + 8, vreinterpretq_s16_u16(v.val[1]));
+    });
+}
+
+#endif
+#endif
