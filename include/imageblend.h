@@ -42,6 +42,7 @@
  * DIAGNOSTICS. Messages go to the Android log under the tag "IMAGE_BLENDING". On other platforms
  * a small stand-in for liblog prints them to standard error from the priority that the environment
  * variable IMAGEBLEND_LOG names (debug, info, warn or error), and nothing when it is not set.
+ * Threads that cannot be started or joined are reported on standard output.
  */
 #ifndef IMAGEBLEND_H
 #define IMAGEBLEND_H
@@ -96,8 +97,8 @@ IMAGEBLEND_API int32_t vorn_get_icon_size(const blend_image* mask, int32_t* icon
  *   zoom    accepted for symmetry; it has no effect on the picture
  *
  * A pixel inside the mask gets alpha 255 and the source's colour; all four bytes of a pixel outside
- * are 0. A mask without an object sets a size below 1 and writes no pixel. `icon->data` must not
- * overlap the inputs.
+ * are 0. A mask without an object sets a size below 1 and writes no pixel, if both its sides are
+ * above 1; a mask with one side of 1 and no object fails. `icon->data` must not overlap the inputs.
  *
  * Returns 0, or -1 when a work buffer cannot be allocated (nothing of `icon` is written then).
  * Memory: one byte for every frame pixel and three for every pixel of the box, while it runs.
@@ -115,9 +116,9 @@ IMAGEBLEND_API int32_t vorn_create_rgb_icon(const blend_image* source, const ble
  *   zoom                scale factor, 1 keeps the object's size
  *   angle               rotation in degrees; exactly 0 skips the rotation
  *
- * The blend needs a margin of 8 to 64 pixels around the object, more for larger objects; the log
- * names each side of the destination at which it is missing ("dst pic xl seam", "xr", "yu", "yd"
- * for left, right, top and bottom).
+ * The blend needs a margin of 8 to 64 pixels around the object, more for larger objects and none
+ * for one whose shorter side is below 16; the log names each side of the destination at which it is
+ * missing ("dst pic xl seam", "xr", "yu", "yd" for left, right, top and bottom).
  *
  * Returns 0 when the object fits with full margins, 1 when a margin touches the border of the
  * frame (a seam may show there), -1 when the object cannot be placed or memory runs out.
@@ -143,12 +144,14 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  *
  * The icon, the destination and the mask must have one size. The output receives a copy of the
  * destination, in which the rectangle around the object is replaced by the blend; those pixels have
- * alpha 255, all others keep the destination's four bytes. The rectangle is kept inside the frame,
- * so an object that is placed too near to a border is moved inwards (ask vorn_verify_icon_pos). An
- * object of no size, after zooming, leaves a plain copy of the destination and is a success.
+ * alpha 255, all others keep the destination's four bytes. The rectangle starts at column 1 and row
+ * 1 at the earliest and ends one pixel before the frame, so an object that is placed too near to a
+ * border is moved inwards (ask vorn_verify_icon_pos); one as wide or as high as the frame is moved
+ * by one pixel to the left or upwards. An object of no size, after zooming, leaves a plain copy of
+ * the destination and is a success.
  *
- * ALIASING. `output->data` may be `destination->data` or `icon->data`: everything is read before
- * the output is written.
+ * ALIASING. `output->data` may be `destination->data` or `icon->data`, or overlap the inputs in any
+ * other way: the result is as if everything had been read before the output was written.
  *
  * Returns 0 on success. Returns -1 with `output` untouched or a plain copy of the destination when
  * the zoomed object is larger than the destination, when the sizes differ, or when memory runs out.
@@ -156,9 +159,9 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  * for every pixel of the object's box, 4 more when angle is not 0, and one for every pixel that the
  * rotated object can reach; 400 rows' worth of working rows for the threads. Where the output
  * shares memory with the icon or, other than pixel for pixel, with the destination, 9 bytes for
- * every pixel of the rectangle come on top. A call that fails because the zoomed object is too
- * large does not give back the object's mask, nor the rotated object before the next blend without
- * an angle.
+ * every pixel of the rectangle come on top. A rectangle whose shorter side is below 16 takes up to
+ * 22 bytes a pixel. A call that fails because the zoomed object is too large does not give back the
+ * object's mask, nor the rotated object before the next blend without an angle.
  */
 IMAGEBLEND_API int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
                                           const blend_image* mask, blend_image* output,

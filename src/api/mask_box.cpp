@@ -70,8 +70,8 @@ void crop_mask(const uint8_t* samples, int32_t width, int32_t height, uint8_t* c
                bool clamp, const pixel_layout* layout, bool margins, int32_t* level_box, float zoom,
                size_t crop_bytes) {
     const mask_view view = view_of_mask(samples, width, height, layout);
-    find_view_box(&view, width, height, x0, y0, crop_mask_width, crop_mask_height, bare_width,
-                  bare_height, base, clamp, margins, level_box);
+    find_mask_box(samples, width, height, x0, y0, crop_mask_width, crop_mask_height, bare_width,
+                  bare_height, base, clamp, layout, margins, level_box);
     LOG_LINE(LOG_ERROR, "LLL crop_mask_width:%d,crop_mask_height:%d\n", *crop_mask_width,
              *crop_mask_height);
     *level_zoom =

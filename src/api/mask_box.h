@@ -21,8 +21,7 @@ box_margins margins_in_frame(const mask_extent* extent, int32_t width, int32_t h
 
 // Finds the box of the non-zero samples of a `width` x `height` mask, its level, and with `margins`
 // widens it by 4 * 2^level pixels on each side as far as the frame allows. `clamp` caps the level
-// at
-// 4. The bare size, before margins, is written unless its pointers are null.
+// at 4. The bare size, before margins, is written unless its pointers are null.
 // Returns 0, 2 when a margin was cut short (one line in the log for each such side), or -1 when the
 // bare box is larger than the frame, which only a frame with a side below 1 has.
 int32_t find_mask_box(const uint8_t* samples, int32_t width, int32_t height, int32_t* x0,

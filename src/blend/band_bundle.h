@@ -37,8 +37,6 @@ typedef struct band_bundle {
     band_task mask_reduce;  // a strip of the mask into its next level
     band_task blend;        // a row of the coarsest Laplacian levels under the mask
     thread_pool* pool;      // null when the bundle runs in the caller
-    int32_t levels;
-    int32_t level;  // the finer of the two levels
     int32_t band;
     int32_t begin, end;  // the band's rows of the coarser level; of the level itself at the top
     picture src, dst, result;                       // the finer level

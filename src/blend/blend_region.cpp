@@ -192,6 +192,13 @@ static int32_t blend_patches(const blend_source* src, const picture* dst, const 
     return status;
 }
 
+// Whether every level that is built has rows enough for bands. Then nothing can fail any more when
+// the output is first written.
+static bool all_in_bands(int32_t height, int32_t levels) {
+    return levels > 0 && levels <= MAX_LEVELS &&
+           ((int64_t)height >> (levels - 1)) >= MIN_BAND_HEIGHT;
+}
+
 // The destination rectangle for an object whose bare corner is to stand at (x, y).
 static picture place_destination(const blend_image* dst, int32_t x, int32_t y, int32_t crop_width,
                                  int32_t crop_height, int32_t margin_levels, float zoom) {
@@ -225,8 +232,7 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
                                    levels > 0 ? (uint32_t)levels : 0);
     }
     if (ws != NULL) {
-        const bool streams =
-            levels > 0 && box.zoom_height >= MIN_BAND_HEIGHT && can_stream(src, dst, out);
+        const bool streams = all_in_bands(box.zoom_height, levels) && can_stream(src, dst, out);
         status = streams ? blend_streamed(&source, &rectangle, mask, &copy, ws)
                          : blend_patches(&source, &rectangle, mask, &copy, ws);
     }

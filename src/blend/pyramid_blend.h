@@ -34,7 +34,8 @@ typedef struct pyramid_extras {
     side_work* beside;           // null where there is none
 } pyramid_extras;
 
-// The same between rectangles of frames, for ws->levels of at least 1 and a height of at least 16.
+// The same between rectangles of frames, for a depth at which every level that is built has
+// 16 rows and more.
 // `result` may be the rectangle of `dst` itself. The preparing work comes first. The work
 // beside is done by all threads together before the first row of the result is written, when the
 // call gets that far.

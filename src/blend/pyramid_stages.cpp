@@ -52,8 +52,6 @@ static void fill_bundle(pyramid_run* run, int32_t level, int32_t k, int32_t begi
     bundle->widen = bundle->blend = row_task(run, level);
     bundle->pool = run->pool;
     bundle->beside = run->beside;
-    bundle->levels = run->levels;
-    bundle->level = level;
     bundle->band = k;
     bundle->begin = begin;
     bundle->end = end;

@@ -1,4 +1,4 @@
-// Whole-plane element conversions that the pyramid driver runs on the caller's thread.
+// Whole-plane element conversions of the pyramid driver.
 #ifndef IMAGEBLEND_BLEND_ROW_CONVERSION_H
 #define IMAGEBLEND_BLEND_ROW_CONVERSION_H
 

@@ -1,9 +1,9 @@
 // 2:1 reduction and 1:2 expansion of whole 8-bit planes, on the calling thread.
 //
 // Planes are packed, `width` x `height` pixels of 1 (NC) or 3 interleaved (C3) channels. Each axis
-// is filtered as row_ops.h says, rows first, with rounding to 8 bits between the passes. Sides of 2
-// and more are filtered; a source or destination side of exactly 1 is refused, and where a
-// destination side is below 1 there is nothing to do. Nothing beyond the planes is read or written.
+// is filtered as row_ops.h says, rows first, with rounding to 8 bits between the passes. A coarser
+// side of exactly 1 is refused; where one is below 1 there is nothing to do. Nothing beyond the
+// planes is read or written.
 //
 // All return 0, or -1 with one line in the log and `dst` untouched: a null plane, sizes that break
 // the rule (2 dst <= src for a reduction, 2 src <= dst for an expansion), or no memory for the

@@ -101,7 +101,9 @@ void* pool_thread_routine(void* worker) {
         task->routine(task->arg);
         free(task);
     }
-    pthread_exit(NULL);
+    // The same as pthread_exit(NULL), which glibc lets abort the process where it finds no memory
+    // or no libgcc_s to unwind with.
+    return NULL;
 }
 
 int32_t pool_add_task(thread_pool* pool, void* (*routine)(void*), void* arg) {

@@ -54,7 +54,8 @@ int32_t pool_add_task(thread_pool* pool, void* (*routine)(void*), void* arg);
 // when the pool was already stopping or a thread could not be joined.
 int32_t pool_destroy(thread_pool* pool);
 
-// Body of a worker; `worker` is its pool_worker. Ends with pthread_exit.
+// Body of a worker; `worker` is its pool_worker. Its return is the implicit pthread_exit of a null
+// value.
 void* pool_thread_routine(void* worker);
 
 void pool_reset_done(thread_pool* pool);
