@@ -39,7 +39,23 @@ if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
     files+=("$results/bench_memory.json")
 fi
 
+# Throughput of the command line: the same small job over and over, in one and in two processes.
+if cmake --build "$build" -j "$(nproc)" --target imageblend_tool >"$results/tool.log" 2>&1; then
+    echo "running batch"
+    batch=$(mktemp -d)
+    trap 'rm -r "$batch"' EXIT
+    for i in $(seq 1 "$($quick && echo 10 || echo 60)"); do
+        printf '{"source": "%s/vase.jpg", "mask": "%s/vase-mask.png", "destination": "%s/dunes.jpg", "output": "%s/%d.jpg", "at": [640, 535], "zoom": 0.75}\n' \
+            "$root/examples" "$root/examples" "$root/examples" "$batch" "$i"
+    done >"$batch/jobs.jsonl"
+    for jobs in 1 2; do
+        "$build/imageblend" batch "$batch/jobs.jsonl" --overwrite --jobs $jobs 2>&1 | tail -n 1 |
+            sed "s/^.*jobs.jsonl/batch of 1280x853 pictures, --jobs $jobs/"
+    done >"$results/batch.txt"
+fi
+
 "$build/bench/bench_table" --plot "$results/plot.dat" "${files[@]}" | tee "$results/table.txt"
+[ ! -e "$results/batch.txt" ] || { echo; echo "Command line"; sed 's/^/  /' "$results/batch.txt"; }
 if ! $quick && ! grep -q nan "$results/plot.dat"; then
     gnuplot -e "data='$results/plot.dat'; picture='$root/docs/bench.svg'" "$root/bench/plot.gp"
     echo "drawing: $root/docs/bench.svg"

@@ -14,10 +14,6 @@
 
 namespace bmp_files {
 
-const char* const NOT_OPENED = "\nBMP_READ - Fatal error!\n  Could not open the input file.\n";
-const char* const BAD_HEADER = "\nBMP_READ: Fatal error!\n  BMP_READ_HEADER failed.\n";
-const char* const NO_STORAGE = "\nBMP_READ: Fatal error!\n  Could not allocate data storage.\n";
-
 folder::folder() {
     std::string name = testing::TempDir() + "/bmp_tests_XXXXXX";
     if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("no folder " + name);
@@ -49,7 +45,7 @@ outcome observe(const std::function<int32_t()>& call) {
     testing::internal::CaptureStdout();
     const int64_t before = faults::live_blocks();
     result.status = call();
-    result.leaked = faults::live_blocks() - before;
+    EXPECT_EQ(faults::live_blocks(), before);
     fflush(stdout);
     result.printed = testing::internal::GetCapturedStdout();
     return result;
@@ -59,11 +55,9 @@ read_outcome read_file(const std::string& path, reader routine) {
     uint8_t junk = 0;
     uint8_t* pixels = &junk;
     uint8_t* planes[] = {&junk, &junk, &junk};
-    read_outcome result;
-    picture& read = result.read;
-    read.width = read.height = -77;
+    picture read = {-77, -77, {}};
     int allocations = 0;
-    static_cast<outcome&>(result) = observe([&] {
+    const outcome seen = observe([&] {
         const faults::scope count(faults::call::allocation, [](int) { return false; });
         const int32_t status = routine(path.c_str(), &read.width, &read.height, &pixels, &planes[0],
                                        &planes[1], &planes[2]);
@@ -72,14 +66,13 @@ read_outcome read_file(const std::string& path, reader routine) {
             const size_t size = static_cast<size_t>(read.width) * static_cast<size_t>(read.height);
             read.pixels.assign(pixels, pixels + size * 4);
             free(pixels);
+        } else {
+            EXPECT_TRUE(pixels == nullptr && read.width == 0 && read.height == 0);
         }
         return status;
     });
-    result.allocations = allocations;
-    result.cleared = planes[0] == nullptr && planes[1] == nullptr && planes[2] == nullptr;
-    if (result.status != 0)
-        result.cleared &= pixels == nullptr && read.width == 0 && read.height == 0;
-    return result;
+    EXPECT_TRUE(planes[0] == nullptr && planes[1] == nullptr && planes[2] == nullptr);
+    return {{seen.status, seen.printed, allocations}, read};
 }
 
 void set_field(bytes* file, size_t at, size_t size, uint64_t value) {
@@ -87,30 +80,30 @@ void set_field(bytes* file, size_t at, size_t size, uint64_t value) {
         (*file)[at + i] = static_cast<uint8_t>(value >> 8 * i);
 }
 
-bytes random_file(int32_t width, int32_t height, bool least_first, uint32_t seed) {
+bytes random_bytes(size_t size, uint32_t seed) {
     std::mt19937 random(seed);
-    bytes file(54);
-    file[0] = 'B';
-    file[1] = 'M';
-    const auto field = [&](size_t at, size_t size, int32_t value) {
-        for (size_t i = 0; i < size; ++i) {
-            const size_t place = at + (least_first ? i : size - 1 - i);
-            file[place] = static_cast<uint8_t>(static_cast<uint32_t>(value) >> 8 * i);
-        }
-    };
-    field(2, 4, width * height * 3 + 54);
-    field(10, 4, 54);
-    field(14, 4, 40);
-    field(18, 4, width);
-    field(22, 4, height);
-    field(26, 2, 1);
-    field(28, 2, 24);
-    for (int32_t y = 0; y < height; ++y) {
-        for (int32_t i = 0; i < 3 * width; ++i)
-            file.push_back(static_cast<uint8_t>(random()));
-        while (file.size() % 4 != 54 % 4)
-            file.push_back(0);
+    bytes result(size);
+    for (uint8_t& value : result)
+        value = static_cast<uint8_t>(random());
+    return result;
+}
+
+bytes random_file(int32_t width, int32_t height, uint32_t seed) {
+    const auto used = static_cast<size_t>(width) * 3, row_bytes = (used + 3) / 4 * 4;
+    bytes file = random_bytes(54 + row_bytes * static_cast<size_t>(height), seed);
+    for (size_t i = 0; i < file.size(); ++i) {
+        if (i < 54 || (i - 54) % row_bytes >= used) file[i] = 0;
     }
+    const size_t fields[][2] = {{0, 0x4D42},
+                                {2, used * static_cast<size_t>(height) + 54},
+                                {10, 54},
+                                {14, 40},
+                                {18, static_cast<size_t>(width)},
+                                {22, static_cast<size_t>(height)},
+                                {26, 1},
+                                {28, 24}};
+    for (const auto& [at, value] : fields)
+        set_field(&file, at, at == 0 || at > 25 ? 2 : 4, value);
     return file;
 }
 

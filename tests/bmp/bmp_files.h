@@ -29,11 +29,10 @@ class folder {
 bytes load(const std::string& path);
 void store(const std::string& path, const bytes& content);
 
-// What `call` returns and prints, the blocks it leaks and how often it allocates.
+// What `call` returns and prints; that it leaks nothing is expected.
 struct outcome {
     int32_t status = 0;
     std::string printed;
-    int64_t leaked = 0;
     int allocations = 0;
 };
 outcome observe(const std::function<int32_t()>& call);
@@ -46,24 +45,22 @@ struct picture {
     int32_t height = 0;
     bytes pixels;  // 4 bytes each
 };
+// What is read; after a failure all is expected to be zero or null.
 struct read_outcome : outcome {
-    picture read;          // all zero and empty after a failure
-    bool cleared = false;  // the planes are null, and after a failure the rest is null or zero
+    picture read;
 };
 read_outcome read_file(const std::string& path, reader routine);
 
-// A bitmap file of random colours in the byte order given.
-bytes random_file(int32_t width, int32_t height, bool least_first, uint32_t seed);
+bytes random_bytes(size_t size, uint32_t seed);
+
+// A bitmap file of random colours, least significant bytes first.
+bytes random_file(int32_t width, int32_t height, uint32_t seed);
 
 // Overwrites the field of `size` bytes at `at`, least significant byte first.
 void set_field(bytes* file, size_t at, size_t size, uint64_t value);
 
-// What a file of the usual byte order holds; false where it must be refused.
+// What a file holds; false where it must be refused.
 bool expected_picture(const bytes& file, picture* result);
-
-extern const char* const NOT_OPENED;
-extern const char* const BAD_HEADER;
-extern const char* const NO_STORAGE;
 
 }  // namespace bmp_files
 

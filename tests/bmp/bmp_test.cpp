@@ -3,7 +3,6 @@
 #include <stdio.h>
 #include <sys/stat.h>
 
-#include <array>
 #include <functional>
 #include <random>
 #include <string>
@@ -18,6 +17,13 @@ namespace {
 
 using namespace bmp_files;
 
+const char* const NOT_OPENED = "\nBMP_READ - Fatal error!\n  Could not open the input file.\n";
+const char* const BAD_HEADER = "\nBMP_READ: Fatal error!\n  BMP_READ_HEADER failed.\n";
+const char* const NO_STORAGE = "\nBMP_READ: Fatal error!\n  Could not allocate data storage.\n";
+const char* const WRITE_ENTER = "bmp_write enter\n";
+const char* const WRITE_STORAGE =
+    "\nBMP_WRITE - Fatal error!\n  Could not allocate data storage.\n";
+
 // Sets the byte order of the fields while it lives.
 struct byte_order {
     explicit byte_order(int32_t flag) { byte_order_flag = flag; }
@@ -26,155 +32,85 @@ struct byte_order {
     byte_order& operator=(const byte_order&) = delete;
 };
 
-bytes random_bytes(size_t size, uint32_t seed) {
-    std::mt19937 random(seed);
-    bytes result(size);
-    for (uint8_t& value : result)
-        value = static_cast<uint8_t>(random());
-    return result;
-}
-
-struct colour_planes {
-    bytes red, green, blue;
-};
-
-bytes written_planes(const folder& where, int32_t width, int32_t height,
-                     const colour_planes& planes) {
-    const std::string path = where.file("planes.bmp");
-    const outcome result = observe([&] {
-        return bmp_write(path.c_str(), width, height, nullptr, planes.red.data(),
-                         planes.green.data(), planes.blue.data(), 0, 0);
+outcome write_pixels(const std::string& path, int32_t width, int32_t height, const uint8_t* pixels,
+                     int32_t step = 4, int32_t skip = 1) {
+    return observe([&] {
+        return bmp_write(path.c_str(), width, height, pixels, nullptr, nullptr, nullptr, step,
+                         skip);
     });
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.printed, "bmp_write enter\n");
-    EXPECT_EQ(result.leaked, 0);
-    return load(path);
 }
 
 TEST(BmpWrite, BytesOfAFile) {
     const folder where;
-    const bytes narrow = {66, 77, 60, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0,  0, 40, 0,  // 16
-                          0,  0,  1,  0, 0, 0, 2, 0, 0, 0, 1,  0, 24, 0, 0,  0,  // 32
-                          0,  0,  0,  0, 0, 0, 0, 0, 0, 0, 0,  0, 0,  0, 0,  0,  // 48
-                          0,  0,  0,  0, 0, 0, 6, 4, 2, 0, 5,  3, 1,  0};
-    EXPECT_EQ(written_planes(where, 1, 2, {{1, 2}, {3, 4}, {5, 6}}), narrow);
-
-    const bytes wide = {66, 77, 66, 0, 0, 0, 0, 0, 0, 0,  54, 0, 0,  0, 40, 0,  // 16
-                        0,  0,  4,  0, 0, 0, 1, 0, 0, 0,  1,  0, 24, 0, 0,  0,  // 32
-                        0,  0,  0,  0, 0, 0, 0, 0, 0, 0,  0,  0, 0,  0, 0,  0,  // 48
-                        0,  0,  0,  0, 0, 0, 9, 5, 1, 10, 6,  2, 11, 7, 3,  12, 8, 4};
-    EXPECT_EQ(written_planes(where, 4, 1, {{1, 2, 3, 4}, {5, 6, 7, 8}, {9, 10, 11, 12}}), wide);
-
+    const std::string path = where.file("planes.bmp");
+    const auto written = [&](int32_t width, int32_t height, const bytes& red, const bytes& green,
+                             const bytes& blue) {
+        const outcome result = observe([&] {
+            return bmp_write(path.c_str(), width, height, nullptr, red.data(), green.data(),
+                             blue.data(), 0, 0);
+        });
+        EXPECT_EQ(result.status, 0);
+        EXPECT_EQ(result.printed, WRITE_ENTER);
+        return load(path);
+    };
+    EXPECT_EQ(written(1, 2, {1, 2}, {3, 4}, {5, 6}),
+              (bytes{66, 77, 60, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0,  0, 40, 0,  // 16
+                     0,  0,  1,  0, 0, 0, 2, 0, 0, 0, 1,  0, 24, 0, 0,  0,  // 32
+                     0,  0,  0,  0, 0, 0, 0, 0, 0, 0, 0,  0, 0,  0, 0,  0,  // 48
+                     0,  0,  0,  0, 0, 0, 6, 4, 2, 0, 5,  3, 1,  0}));
     const byte_order most_significant_first(0);
-    const bytes other = {66, 77, 0, 0, 0, 60, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0,  // 16
-                         0,  40, 0, 0, 0, 1,  0, 0, 0, 2, 0, 1, 0, 24, 0, 0,  // 32
-                         0,  0,  0, 0, 0, 0,  0, 0, 0, 0, 0, 0, 0, 0,  0, 0,  // 48
-                         0,  0,  0, 0, 0, 0,  6, 4, 2, 0, 5, 3, 1, 0};
-    EXPECT_EQ(written_planes(where, 1, 2, {{1, 2}, {3, 4}, {5, 6}}), other);
-}
-
-TEST(BmpWrite, PaddingOfEveryWidth) {
-    const folder where;
-    for (int32_t width = 1; width <= 9; ++width) {
-        const bytes plane(static_cast<size_t>(width * 3), 200);
-        const bytes file = written_planes(where, width, 3, {plane, plane, plane});
-        const size_t row_bytes = static_cast<size_t>((width * 3 + 3) / 4 * 4);
-        ASSERT_EQ(file.size(), 54 + 3 * row_bytes);
-        EXPECT_EQ(file[2], width * 9 + 54);
-        for (size_t i = 54; i < file.size(); ++i) {
-            const bool is_padding = (i - 54) % row_bytes >= static_cast<size_t>(width * 3);
-            EXPECT_EQ(file[i], is_padding ? 0 : 200) << width << " " << i;
-        }
-    }
-}
-
-TEST(BmpWrite, InterleavedPixels) {
-    const folder where;
-    const std::string path = where.file("interleaved.bmp");
-    for (const int32_t step : {3, 4, 7}) {
-        for (const int32_t skip : {0, 1, -5}) {
-            const size_t first = skip != 0 ? 1 : 0;
-            if (step == 3 && first == 1) continue;
-            const bytes pixels = random_bytes(static_cast<size_t>(5 * 3 * step), 11);
-            colour_planes planes;
-            for (size_t i = first; i < pixels.size(); i += static_cast<size_t>(step)) {
-                planes.red.push_back(pixels[i]);
-                planes.green.push_back(pixels[i + 1]);
-                planes.blue.push_back(pixels[i + 2]);
-            }
-            const outcome result = observe([&] {
-                return bmp_write(path.c_str(), 5, 3, pixels.data(), nullptr, nullptr, nullptr, step,
-                                 skip);
-            });
-            EXPECT_EQ(result.status, 0);
-            EXPECT_EQ(result.leaked, 0);
-            EXPECT_EQ(load(path), written_planes(where, 5, 3, planes)) << step << " " << skip;
-        }
-    }
+    EXPECT_EQ(written(1, 2, {1, 2}, {3, 4}, {5, 6}),
+              (bytes{66, 77, 0, 0, 0, 60, 0, 0, 0, 0, 0, 0, 0, 54, 0, 0,  // 16
+                     0,  40, 0, 0, 0, 1,  0, 0, 0, 2, 0, 1, 0, 24, 0, 0,  // 32
+                     0,  0,  0, 0, 0, 0,  0, 0, 0, 0, 0, 0, 0, 0,  0, 0,  // 48
+                     0,  0,  0, 0, 0, 0,  6, 4, 2, 0, 5, 3, 1, 0}));
 }
 
 TEST(BmpWrite, SizesWithoutPixels) {
     const folder where;
     const std::string path = where.file("empty.bmp");
     const uint8_t pixel[4] = {};
-    const auto write = [&](int32_t width, int32_t height, const uint8_t* pixels) {
-        return observe([&] {
-            return bmp_write(path.c_str(), width, height, pixels, nullptr, nullptr, nullptr, 4, 1);
-        });
-    };
-    for (const auto& [width, height] : {std::array{0, 3}, {3, 0}, {-2, -3}}) {
-        EXPECT_EQ(write(width, height, nullptr).status, 0);
-        EXPECT_EQ(write(width, height, pixel).status, 0) << width;
+    for (const auto& [width, height] : {std::pair(0, 3), std::pair(3, 0), std::pair(-2, -3)}) {
+        EXPECT_EQ(write_pixels(path, width, height, nullptr).status, 0);
+        EXPECT_EQ(write_pixels(path, width, height, pixel).status, 0) << width;
         EXPECT_EQ(load(path).size(), 54U);
     }
-    const outcome negative = write(-2, 3, pixel);
+    const outcome negative = write_pixels(path, -2, 3, pixel);
     EXPECT_EQ(negative.status, 1);
-    EXPECT_EQ(negative.printed,
-              "bmp_write enter\n\nBMP_WRITE - Fatal error!\n  Could not allocate data storage.\n");
+    EXPECT_EQ(negative.printed, std::string(WRITE_ENTER) + WRITE_STORAGE);
 }
 
-TEST(BmpWrite, RawPlanes) {
+TEST(BmpWrite, RawPlanesAndFailures) {
     const folder where;
-    const std::string path = where.file("plane.raw");
     const bytes pixels = {0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
-    const auto write = [&](int32_t width, int32_t height, int32_t offset, int32_t step) {
-        const outcome result = observe([&] {
+    const auto write = [&](const std::string& path, int32_t width, int32_t height, int32_t offset,
+                           int32_t step) {
+        return observe([&] {
             return raw_plane_write(path.c_str(), width, height, pixels.data(), offset, step);
         });
+    };
+    const std::string good = where.file("plane.raw"), bad = where.file("missing/file");
+    const auto written = [&](int32_t width, int32_t height, int32_t offset, int32_t step) {
+        const outcome result = write(good, width, height, offset, step);
         EXPECT_EQ(result.status, 0);
         EXPECT_EQ(result.printed, "");
-        EXPECT_EQ(result.leaked, 0);
-        return load(path);
+        return load(good);
     };
-    EXPECT_EQ(write(2, 2, 1, 3), (bytes{1, 4, 7, 10}));
-    EXPECT_EQ(write(3, 1, 12, -4), (bytes{12, 8, 4}));
-    EXPECT_EQ(write(0, 3, 0, 1), bytes());
-}
+    EXPECT_EQ(written(2, 2, 1, 3), (bytes{1, 4, 7, 10}));
+    EXPECT_EQ(written(3, 1, 12, -4), (bytes{12, 8, 4}));
+    EXPECT_EQ(written(0, 3, 0, 1), bytes());
 
-TEST(BmpWrite, Failures) {
-    const folder where;
-    const std::string path = where.file("missing/file");
-    const uint8_t pixel[4] = {};
-    const outcome picture = observe(
-        [&] { return bmp_write(path.c_str(), 1, 1, pixel, nullptr, nullptr, nullptr, 4, 1); });
-    EXPECT_EQ(picture.status, 1);
-    EXPECT_EQ(picture.printed,
-              "bmp_write enter\n\nBMP_WRITE - Fatal error!\n"
-              "  Could not open the output file filename:" +
-                  path + ".\n");
-    const outcome plane = observe([&] { return raw_plane_write(path.c_str(), 1, 1, pixel, 0, 1); });
-    EXPECT_EQ(plane.status, 1);
-    EXPECT_EQ(plane.printed,
-              "\nBMP_WRITE - Fatal error!\n  Could not open the output file name:" + path + ".\n");
-    EXPECT_EQ(plane.leaked, 0);
-
-    const std::string good = where.file("good");
+    const outcome plane = write(bad, 1, 1, 0, 1);
+    const outcome picture = write_pixels(bad, 1, 1, pixels.data());
+    EXPECT_TRUE(plane.status == 1 && picture.status == 1);
+    const std::string failed = "\nBMP_WRITE - Fatal error!\n  Could not open the output file ";
+    EXPECT_EQ(plane.printed, failed + "name:" + bad + ".\n");
+    EXPECT_EQ(picture.printed, WRITE_ENTER + failed + "filename:" + bad + ".\n");
     const faults::scope no_memory(faults::call::allocation, faults::every());
-    EXPECT_EQ(observe([&] {
-                  return bmp_write(good.c_str(), 1, 1, pixel, nullptr, nullptr, nullptr, 4, 1);
-              }).status,
-              1);
-    EXPECT_EQ(observe([&] { return raw_plane_write(good.c_str(), 1, 1, pixel, 0, 1); }).status, 1);
+    EXPECT_EQ(write_pixels(good, 1, 1, pixels.data()).status, 1);
+    const outcome starved = write(good, 1, 1, 0, 1);
+    EXPECT_EQ(starved.status, 1);
+    EXPECT_EQ(starved.printed, WRITE_STORAGE);
 }
 
 TEST(BmpFields, BothOrders) {
@@ -190,87 +126,47 @@ TEST(BmpFields, BothOrders) {
         EXPECT_EQ(memory, flag == 1 ? (bytes{0x54, 0x63, 0x72, 0x81, 0xe2, 0xf1, 0})
                                     : (bytes{0x81, 0x72, 0x63, 0x54, 0xf1, 0xe2, 0}));
         stream = fmemopen(memory.data(), 6, "rb");
-        EXPECT_EQ(read_u32(&four, stream), 0);
-        EXPECT_EQ(read_u16(&two, stream), 0);
-        EXPECT_EQ(four, 0x81726354);
-        EXPECT_EQ(two, 0xf1e2);
-        EXPECT_EQ(fseek(stream, 5, SEEK_SET), 0);
-        EXPECT_EQ(read_u16(&two, stream), 1);
-        EXPECT_EQ(fseek(stream, 3, SEEK_SET), 0);
-        EXPECT_EQ(read_u32(&four, stream), 1);
-        EXPECT_EQ(four, 0x81726354);
-        EXPECT_EQ(two, 0xf1e2);
+        EXPECT_TRUE(read_u32(&four, stream) == 0 && read_u16(&two, stream) == 0);
+        // Too short a field changes nothing.
+        EXPECT_TRUE(fseek(stream, 5, SEEK_SET) == 0 && read_u16(&two, stream) == 1);
+        EXPECT_TRUE(fseek(stream, 3, SEEK_SET) == 0 && read_u32(&four, stream) == 1);
+        EXPECT_TRUE(four == 0x81726354 && two == 0xf1e2);
         fclose(stream);
     }
 }
 
+// In both byte orders, from pixels of any step.
 TEST(BmpRead, RoundTrips) {
     const folder where;
     const std::string path = where.file("round.bmp");
     std::mt19937 random(5);
     for (uint32_t trial = 0; trial < 120; ++trial) {
         const byte_order order(trial % 3 == 0 ? 0 : 1);
-        const int32_t width = static_cast<int32_t>(1 + random() % 70);
-        const int32_t height = static_cast<int32_t>(1 + random() % 40);
-        bytes pixels = random_bytes(static_cast<size_t>(width * height * 4), trial);
-        observe([&] {
-            return bmp_write(path.c_str(), width, height, pixels.data(), nullptr, nullptr, nullptr,
-                             4, 1);
-        });
-        const read_outcome colour = read_file(path, bmp_read);
-        ASSERT_EQ(colour.status, 0);
-        EXPECT_EQ(colour.printed, "");
-        EXPECT_EQ(colour.leaked, 0);
-        EXPECT_TRUE(colour.cleared);
-        EXPECT_EQ(colour.read.width, width);
-        EXPECT_EQ(colour.read.height, height);
-        bytes mask(pixels.size());
-        for (size_t i = 0; i < pixels.size(); i += 4) {
-            mask[i / 4] = pixels[i + 1];
-            pixels[i] = 255;
+        const auto width = static_cast<int32_t>(1 + random() % (trial < 40 ? 9 : 70));
+        const auto height = static_cast<int32_t>(1 + random() % 40);
+        const auto step = static_cast<int32_t>(3 + trial % 5);
+        const int32_t skip = step == 3 ? 0 : static_cast<int32_t>(trial % 3) - 1;
+        const size_t first = skip != 0 ? 1 : 0, count = static_cast<size_t>(width * height);
+        const bytes source = random_bytes(count * static_cast<size_t>(step), trial);
+        EXPECT_EQ(write_pixels(path, width, height, source.data(), step, skip).status, 0);
+        bytes colours(4 * count, 255), mask(4 * count);
+        for (size_t p = 0; p < count; ++p) {
+            const uint8_t* const pixel = source.data() + p * static_cast<size_t>(step) + first;
+            std::copy_n(pixel, 3, colours.data() + 4 * p + 1);
+            mask[p] = pixel[0];
         }
-        EXPECT_EQ(colour.read.pixels, pixels) << width << "x" << height;
-        const read_outcome grey = read_file(path, bmp_read_mask);
-        ASSERT_EQ(grey.status, 0);
-        EXPECT_EQ(grey.leaked, 0);
-        EXPECT_TRUE(grey.cleared);
-        EXPECT_EQ(grey.read.pixels, mask) << width << "x" << height;
+        for (const reader routine : {bmp_read, bmp_read_mask}) {
+            const read_outcome result = read_file(path, routine);
+            ASSERT_EQ(result.status, 0);
+            EXPECT_EQ(result.printed, "");
+            EXPECT_TRUE(result.read.width == width && result.read.height == height);
+            EXPECT_EQ(result.read.pixels, routine == bmp_read ? colours : mask) << trial;
+        }
     }
 }
 
-TEST(BmpRead, FilesThatDifferFromTheWritersOwn) {
-    const folder where;
-    const std::string path = where.file("other.bmp");
-    const bytes usual = random_file(5, 4, true, 3);
-    store(path, usual);
-    const bytes pixels = read_file(path, bmp_read).read.pixels;
-    ASSERT_EQ(pixels.size(), 80U);
-    const auto expect_same = [&](const char* what, const std::function<void(bytes*)>& change) {
-        bytes file = usual;
-        change(&file);
-        store(path, file);
-        const read_outcome result = read_file(path, bmp_read);
-        EXPECT_EQ(result.status, 0) << what;
-        EXPECT_EQ(result.read.pixels, pixels) << what;
-    };
-    expect_same("a larger header", [](bytes* file) {
-        file->insert(file->begin() + 54, 84, 99);
-        set_field(file, 10, 4, 138);
-        set_field(file, 14, 4, 124);
-    });
-    expect_same("bytes behind the rows", [](bytes* file) { file->push_back(1); });
-    expect_same("no padding at the end", [](bytes* file) { file->pop_back(); });
-    expect_same("fields that are read past", [](bytes* file) {
-        set_field(file, 2, 8, UINT64_MAX);
-        set_field(file, 26, 4, 0x00200007);
-        for (size_t at = 30; at < 54; at += 8)
-            set_field(file, at, 8, UINT64_MAX);
-    });
-    expect_same("bytes in the padding", [](bytes* file) { file->at(54 + 15) = 9; });
-}
-
 TEST(BmpRead, StreamRoutines) {
-    bytes file = random_file(3, 2, true, 4);
+    bytes file = random_file(3, 2, 4);
     int32_t width = 1;
     int32_t height = 2;
     uint32_t offset = 3;
@@ -282,56 +178,47 @@ TEST(BmpRead, StreamRoutines) {
         EXPECT_EQ(ftell(stream), static_cast<long>(size));
         fclose(stream);
     }
-    EXPECT_EQ(width, 3);
-    EXPECT_EQ(height, 2);
+    EXPECT_TRUE(width == 3 && height == 2);
     bytes plane(6);
     for (size_t size = 1; size <= 24; ++size) {
         FILE* stream = fmemopen(file.data() + 54, size, "rb");
-        EXPECT_EQ(bmp_read_data(stream, 3, 2, plane.data(), plane.data(), plane.data()),
-                  size < 21 ? 1 : 0)
-            << size;
+        const auto status = bmp_read_data(stream, 3, 2, plane.data(), plane.data(), plane.data());
+        EXPECT_EQ(status, size < 21 ? 1 : 0) << size;
         fclose(stream);
     }
 }
 
-TEST(BmpRead, Messages) {
+TEST(BmpRead, Failures) {
     const folder where;
-    const std::string path = where.file("some.bmp");
-    const std::string pipe = where.file("pipe");
+    const std::string path = where.file("some.bmp"), pipe = where.file("pipe");
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
-    store(path, random_file(2, 2, true, 1));
+    store(path, random_file(2, 2, 1));
     int32_t size = 0;
     uint8_t* block = nullptr;
     for (const reader routine : {bmp_read, bmp_read_mask}) {
-        for (const std::string& name : {where.file("missing"), where.file(""), pipe}) {
-            const read_outcome result = read_file(name, routine);
-            EXPECT_EQ(result.status, 1) << name;
-            EXPECT_EQ(result.printed, NOT_OPENED) << name;
-            EXPECT_TRUE(result.cleared) << name;
-        }
-        const outcome nameless =
-            observe([&] { return routine(nullptr, &size, &size, &block, &block, &block, &block); });
-        EXPECT_EQ(nameless.printed, NOT_OPENED);
-
+        const auto expect = [&](const char* printed, const std::function<int32_t()>& call) {
+            const outcome result = observe(call);
+            EXPECT_EQ(result.status, 1);
+            EXPECT_EQ(result.printed, printed);
+        };
+        for (const std::string& name : {where.file("missing"), where.file(""), pipe})
+            EXPECT_EQ(read_file(name, routine).printed, NOT_OPENED) << name;
+        expect(NOT_OPENED,
+               [&] { return routine(nullptr, &size, &size, &block, &block, &block, &block); });
         for (int missing = 0; missing < 6; ++missing) {
+            int32_t* const sizes[] = {missing == 0 ? nullptr : &size,
+                                      missing == 1 ? nullptr : &size};
             const auto given = [&](int i) { return i == missing ? nullptr : &block; };
-            const outcome result = observe([&] {
-                return routine(path.c_str(), missing == 0 ? nullptr : &size,
-                               missing == 1 ? nullptr : &size, given(2), given(3), given(4),
+            expect(NO_STORAGE, [&] {
+                return routine(path.c_str(), sizes[0], sizes[1], given(2), given(3), given(4),
                                given(5));
             });
-            EXPECT_EQ(result.status, 1) << missing;
-            EXPECT_EQ(result.printed, NO_STORAGE) << missing;
-            EXPECT_EQ(result.leaked, 0) << missing;
         }
         for (int failing = 0; failing < 2; ++failing) {
-            const outcome result = observe([&] {
-                const faults::scope no_memory(faults::call::allocation, faults::nth(failing));
+            const faults::scope no_memory(faults::call::allocation, faults::nth(failing));
+            expect(NO_STORAGE, [&] {
                 return routine(path.c_str(), &size, &size, &block, &block, &block, &block);
             });
-            EXPECT_EQ(result.status, 1);
-            EXPECT_EQ(result.printed, NO_STORAGE);
-            EXPECT_EQ(result.leaked, 0);
             EXPECT_EQ(block, nullptr);
         }
     }
@@ -340,11 +227,10 @@ TEST(BmpRead, Messages) {
 TEST(BmpRead, PrintsTheSizeOfAFile) {
     const folder where;
     const std::string path = where.file("some.bmp");
-    store(path, random_file(12, 7, true, 1));
+    store(path, random_file(12, 7, 1));
     const outcome good = observe([&] { return BMP_READ_TEST(path.c_str()); });
     EXPECT_EQ(good.status, 0);
     EXPECT_EQ(good.printed, "BMP_READ_TEST:\n  XSIZE = 12.\n  YSIZE = 7.\n");
-    EXPECT_EQ(good.leaked, 0);
     store(path, {'B', 'A'});
     const outcome bad = observe([&] { return BMP_READ_TEST(path.c_str()); });
     EXPECT_EQ(bad.status, 1);

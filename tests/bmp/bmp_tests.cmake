@@ -14,8 +14,8 @@ foreach(function malloc calloc free pthread_create pthread_join pthread_mutex_in
 endforeach()
 gtest_discover_tests(bmp_tests DISCOVERY_TIMEOUT 60)
 
-# Files exchanged with ImageMagick; skipped where that is not installed. Its script runs programs of this
-# machine.
+# Files exchanged with ImageMagick; skipped where that is not installed. The script runs only
+# programs of this machine.
 if(CMAKE_CROSSCOMPILING)
     return()
 endif()

@@ -11,8 +11,17 @@ using support::blend_matches;
 using support::scene;
 using support::solid_scene;
 
-scene zoomed(scene s, float zoom) {
+scene placed(scene s, float zoom, float angle = 0) {
     s.place.zoom = zoom;
+    s.place.angle = angle;
+    return s;
+}
+
+/* A mask that is set everywhere, with all values, so that the box is the frame. */
+scene whole_frame(int32_t width, int32_t height, uint64_t seed) {
+    scene s = solid_scene(width, height, {0, 0, width, height}, seed);
+    for (size_t i = 0; i < s.mask.data.size(); ++i)
+        s.mask.data[i] = static_cast<uint8_t>(s.icon.data[4 * i] | 1);
     return s;
 }
 
@@ -21,42 +30,35 @@ TEST(BlendSweep, OfEveryShortSideAndZoom) {
         for (const int32_t other : {side, side + 1, 47}) {
             for (const float zoom : {1.0F, 0.5F, 0.77F, 1.37F}) {
                 const auto seed = static_cast<uint64_t>(side * 100 + other);
-                const scene wide = solid_scene(101, 97, {23, 21, other, side}, seed);
-                ASSERT_TRUE(blend_matches(zoomed(wide, zoom)));
-                const scene tall = solid_scene(97, 101, {23, 21, side, other}, seed);
-                ASSERT_TRUE(blend_matches(zoomed(tall, zoom)));
+                ASSERT_TRUE(
+                    blend_matches(placed(solid_scene(101, 97, {23, 21, other, side}, seed), zoom)));
+                ASSERT_TRUE(
+                    blend_matches(placed(solid_scene(97, 101, {23, 21, side, other}, seed), zoom)));
             }
         }
     }
+    for (int step = 1; step <= 180; ++step) {
+        scene s = solid_scene(111, 107, {31, 30, 37, 35}, 12);
+        s.place = {50 + step % 20, 55 - step % 7, static_cast<float>(step) / 80.0F, 0.0F};
+        ASSERT_TRUE(blend_matches(s));
+    }
 }
 
-/* An object that fills its frame has no margins, so these boxes have exactly the frame's size. At
- * zoom 1 the rectangle then starts left of and above the frame. */
+/* At zoom 1 the rectangle of a whole frame starts left of and above it. Shrunk whole frames reach
+ * every depth at every box size, at a place inside the frame. */
 TEST(BlendSweep, OfWholeFrames) {
     for (int32_t side = 1; side <= 68; ++side) {
         for (const int32_t other : {1, 2, 16, 19, 33, 68}) {
             const auto seed = static_cast<uint64_t>(side * 100 + other);
-            const scene wide = solid_scene(other, side, {0, 0, other, side}, seed);
-            ASSERT_TRUE(blend_matches(wide));
-            const scene tall = solid_scene(side, other, {0, 0, side, other}, seed);
-            ASSERT_TRUE(blend_matches(tall));
+            ASSERT_TRUE(blend_matches(whole_frame(other, side, seed)));
+            ASSERT_TRUE(blend_matches(whole_frame(side, other, seed)));
         }
     }
-}
-
-/* Shrunk whole frames reach every depth at every box size, at a place inside the frame. */
-TEST(BlendSweep, OfEveryHeightAtEveryDepth) {
     for (int32_t height = 16; height <= 190; ++height) {
         const int32_t width = 17 + height % 8 + (height >= 64 ? 48 : 0) + (height >= 128 ? 64 : 0);
-        const auto seed = static_cast<uint64_t>(height);
-        scene s = solid_scene(width + 3, height + 3, {0, 0, width + 3, height + 3}, seed);
-        s.mask.data[0] = 255;
-        for (size_t i = 1; i < s.mask.data.size(); ++i) {
-            s.mask.data[i] = static_cast<uint8_t>(s.icon.data[4 * i]);
-        }
-        s.mask.data.back() = 1;
-        s.place.zoom = (static_cast<float>(height) + 0.3F) / static_cast<float>(height + 3);
-        ASSERT_TRUE(blend_matches(s));
+        const scene s = whole_frame(width + 3, height + 3, static_cast<uint64_t>(height));
+        const float side = static_cast<float>(height);
+        ASSERT_TRUE(blend_matches(placed(s, (side + 0.3F) / (side + 3))));
     }
 }
 
@@ -67,32 +69,45 @@ TEST(BlendSweep, OfLargeObjects) {
         scene s = solid_scene(side[0] + 2, side[1] + 2, {1, 1, side[0], side[1]}, 5);
         support::fill(s.mask, {40, 50, 100, 90}, 0);
         ASSERT_TRUE(blend_matches(s));
-        ASSERT_TRUE(blend_matches(zoomed(s, 0.995F)));
+        ASSERT_TRUE(blend_matches(placed(s, 0.995F)));
     }
-    scene turned = solid_scene(520, 500, {100, 90, 300, 310}, 6);
-    turned.place.angle = 17.0F;
-    ASSERT_TRUE(blend_matches(zoomed(turned, 0.9F)));
+    ASSERT_TRUE(blend_matches(placed(solid_scene(520, 500, {100, 90, 300, 310}, 6), 0.9F, 17)));
 }
 
 /* From 128 outputs on the last sample of the mask's resize may fall beyond the source's edge. */
 TEST(BlendSweep, OfEveryLengthOfALongMask) {
+    const scene wide = whole_frame(260, 26, 13), high = whole_frame(26, 260, 13);
     for (int32_t length = 126; length <= 258; ++length) {
-        for (const bool upright : {false, true}) {
-            scene s = upright ? solid_scene(26, 260, {0, 0, 26, 260}, 13)
-                              : solid_scene(260, 26, {0, 0, 260, 26}, 13);
-            for (size_t i = 0; i < s.mask.data.size(); ++i) {
-                s.mask.data[i] = static_cast<uint8_t>(s.icon.data[4 * i] | 1);
+        const float zoom = (static_cast<float>(length) + 0.5F) / 260.0F;
+        ASSERT_TRUE(blend_matches(placed(wide, zoom)));
+        ASSERT_TRUE(blend_matches(placed(high, zoom)));
+    }
+}
+
+TEST(BlendSweep, OfPlacesAtTheEdges) {
+    const int32_t places[] = {INT32_MIN, -500, -21, -20, 0,  12, 28,  29,  30,
+                              69,        70,   71,  72,  73, 99, 110, 500, INT32_MAX};
+    for (const float zoom : {1.0F, 0.8F, 1.3F}) {
+        for (const int32_t x : places) {
+            for (const int32_t y : {-40, 29, 50, 71, 140}) {
+                scene s = solid_scene(100, 101, {30, 31, 40, 37}, 4);
+                s.place = {x, y, zoom, 0.0F};
+                ASSERT_TRUE(blend_matches(s));
             }
-            ASSERT_TRUE(blend_matches(zoomed(s, (static_cast<float>(length) + 0.5F) / 260.0F)));
         }
     }
 }
 
-TEST(BlendSweep, OfEveryZoomOfOneObject) {
-    for (int step = 1; step <= 180; ++step) {
-        scene s = solid_scene(111, 107, {31, 30, 37, 35}, 12);
-        s.place = {50 + step % 20, 55 - step % 7, static_cast<float>(step) / 80.0F, 0.0F};
-        ASSERT_TRUE(blend_matches(s));
+/* Turning a long bar moves parts of it out of the frame and its box about the old centre. */
+TEST(BlendSweep, OfTurnedBoxesThatReachOutsideTheFrame) {
+    for (int32_t at = 0; at <= 70; at += 7) {
+        for (const float angle : {90.0F, 45.0F, -30.0F, 179.0F}) {
+            for (const float zoom : {1.0F, 0.9F}) {
+                scene s = solid_scene(90, 80, {at, 70 - at, 20, 10 + at / 10}, 10);
+                support::fill(s.mask, {at, 10, 18, 60}, 180);
+                ASSERT_TRUE(blend_matches(placed(s, zoom, angle)));
+            }
+        }
     }
 }
 

@@ -1,32 +1,29 @@
-// Reference results of the pyramid filters: a sample at a time, taps clamped to the line.
+// The kernels' formulas, a value at a time, and the data that kernels are tried on.
 #ifndef IMAGEBLEND_TESTS_KERNELS_NAIVE_H
 #define IMAGEBLEND_TESTS_KERNELS_NAIVE_H
 
 #include <stddef.h>
 #include <stdint.h>
+#include <string.h>
 
 #include <vector>
 
 namespace naive {
 
 using bytes = std::vector<uint8_t>;
+using words = std::vector<int16_t>;
+
+// What outputs hold before a call.
+enum { UNTOUCHED = 0xC7 };
 
 struct extent {
     int32_t width = 0;
     int32_t height = 0;
 };
 
-// Each row of `from` pixels becomes `width` pixels; the same for columns of `height` rows.
-bytes reduce_rows(const bytes& src, extent from, int32_t width, int32_t channels);
-bytes reduce_columns(const bytes& src, extent from, int32_t height, int32_t channels);
-bytes reduce(const bytes& src, extent from, extent to, int32_t channels);
-
-// Samples beyond 2n + 1 of a line of n keep what `target` holds.
-bytes expand_rows(const bytes& src, extent from, int32_t width, bytes target);
-bytes expand_columns(const bytes& src, extent from, int32_t height, bytes target);
-
-// Columns beyond 2 from.width + 1 become `fill`, rows beyond 2 from.height + 1 keep `target`.
-bytes expand(const bytes& src, extent from, extent to, uint8_t fill, bytes target);
+// Quotients round towards minus infinity, being those of non-negative dividends.
+int16_t blended(int mask, int a, int b);
+uint8_t collapsed(int lap, int base);
 
 size_t plane_bytes(extent e, int32_t channels);
 
@@ -35,8 +32,17 @@ bytes rows_of(const bytes& plane, size_t row_bytes, int32_t first, int32_t count
 
 // Test data: 0 all zero, 1 all 255, 2 alternating 0 and 255 along the bytes, 3 alternating along
 // the pixels of three channels, 4 random, 5 random of 0 and 255 only.
-enum { DATA_KINDS = 6 };
 bytes data(int kind, size_t count, uint64_t seed);
+
+// Data of the same kinds, spread over -limit .. limit.
+words signed_data(int kind, size_t count, int limit, uint64_t seed);
+
+template <class T>
+bytes bytes_of(const std::vector<T>& values) {
+    bytes out(values.size() * sizeof(T));
+    memcpy(out.data(), values.data(), out.size());
+    return out;
+}
 
 }  // namespace naive
 

@@ -31,33 +31,33 @@ init_outcome init_pool(int32_t threads) {
     return {status, pool != &untouched, testing::internal::GetCapturedStdout(), pool};
 }
 
-// pool_init fails with this text when `failing` does, and leaks nothing.
-void expect_failure(call kind, int failing, const std::string& printed, bool stored) {
-    const int64_t blocks = faults::live_blocks();
-    const faults::scope fault(kind, faults::nth(failing));
-    const init_outcome result = init_pool(4);
-    EXPECT_EQ(result.status, -1) << printed;
-    EXPECT_EQ(result.printed, printed);
-    EXPECT_EQ(result.stored, stored) << printed;
-    EXPECT_EQ(faults::live_blocks(), blocks) << printed;
-    EXPECT_EQ(fault.calls(), failing + 1) << printed;
-}
-
-TEST(PoolFailures, Memory) {
-    expect_failure(call::allocation, 0, "can't alloc thread pool\n", false);
-    expect_failure(call::allocation, 1, "can't malloc threadid\n", true);
-    expect_failure(call::allocation, 2, "can't malloc thread_creatflag\n", true);
-}
-
-TEST(PoolFailures, LocksAndConditions) {
+TEST(PoolFailures, OfEveryPart) {
     const std::string code = " err:" + std::to_string(faults::CODE) + "\n";
-    expect_failure(call::mutex_init, 0, "can't init pool->queue_lock" + code, true);
-    expect_failure(call::cond_init, 0, "can't init pool->queue_ready" + code, true);
-    expect_failure(call::mutex_init, 1, "can't init pool->pro_lock" + code, true);
-    expect_failure(call::cond_init, 1, "can't init pool->pro_ready" + code, true);
-    // In that order: with both kinds failing from the start the mutex is reported.
+    const struct {
+        call kind;
+        int failing;
+        std::string printed;
+    } table[] = {{call::allocation, 0, "can't alloc thread pool\n"},
+                 {call::allocation, 1, "can't malloc threadid\n"},
+                 {call::allocation, 2, "can't malloc thread_creatflag\n"},
+                 {call::mutex_init, 0, "can't init pool->queue_lock" + code},
+                 {call::cond_init, 0, "can't init pool->queue_ready" + code},
+                 {call::mutex_init, 1, "can't init pool->pro_lock" + code},
+                 {call::cond_init, 1, "can't init pool->pro_ready" + code}};
+    for (const auto& part : table) {
+        const int64_t blocks = faults::live_blocks();
+        const faults::scope fault(part.kind, faults::nth(part.failing));
+        const init_outcome result = init_pool(4);
+        EXPECT_EQ(result.status, -1) << part.printed;
+        EXPECT_EQ(result.printed, part.printed);
+        EXPECT_EQ(result.stored, part.kind != call::allocation || part.failing > 0);
+        EXPECT_EQ(faults::live_blocks(), blocks) << part.printed;
+        EXPECT_EQ(fault.calls(), part.failing + 1) << part.printed;
+    }
+    // The mutex comes before the condition.
     const faults::scope conditions(call::cond_init, faults::every());
-    expect_failure(call::mutex_init, 0, "can't init pool->queue_lock" + code, true);
+    const faults::scope mutexes(call::mutex_init, faults::every());
+    EXPECT_EQ(init_pool(4).printed, table[3].printed);
 }
 
 TEST(PoolFailures, NumbersOfThreads) {
@@ -73,66 +73,48 @@ TEST(PoolFailures, NumbersOfThreads) {
     EXPECT_EQ(faults::live_blocks(), blocks);
 }
 
-void* add_one(void* arg) {
-    ++*static_cast<std::atomic<int>*>(arg);
-    return nullptr;
-}
-
 struct counted_task {
     thread_pool* pool;
-    std::atomic<int>* runs;
+    std::atomic<int> runs{0};
 };
 
 void* run_counted(void* arg) {
-    const auto* task = static_cast<const counted_task*>(arg);
-    add_one(task->runs);
+    auto* task = static_cast<counted_task*>(arg);
+    ++task->runs;
     pool_signal_done(task->pool);
     return nullptr;
 }
 
+// A task without memory for its record runs at once.
 TEST(PoolFailures, EverySubsetOfTheThreads) {
     for (unsigned failing = 0; failing < 16; ++failing) {
         const int64_t blocks = faults::live_blocks();
         const faults::scope fault(call::thread_create, faults::those_of(failing));
         const init_outcome result = init_pool(4);
+        const int missing = __builtin_popcount(failing);
         std::string printed;
-        for (int i = 0; i < __builtin_popcount(failing); ++i)
+        for (int i = 0; i < missing; ++i)
             printed += NO_THREAD;
         EXPECT_EQ(fault.calls(), 4);
-        if (failing == 15) {
-            EXPECT_EQ(result.status, -1);
-            EXPECT_EQ(result.printed, printed + NO_THREAD_AT_ALL);
-        } else {
-            ASSERT_EQ(result.status, 0) << failing;
-            EXPECT_EQ(result.printed, printed);
+        EXPECT_EQ(result.printed, failing == 15 ? printed + NO_THREAD_AT_ALL : printed);
+        ASSERT_EQ(result.status, failing == 15 ? -1 : 0) << failing;
+        if (failing < 15) {
             for (int i = 0; i < 4; ++i)
                 EXPECT_EQ(result.pool->thread_creatflag[i], (failing >> i & 1U) == 0 ? 1 : 0);
-            std::atomic<int> runs{0};
-            counted_task task = {result.pool, &runs};
+            counted_task task = {result.pool};
             for (int i = 0; i < 8; ++i)
                 pool_add_task(result.pool, run_counted, &task);
             pool_wait_done(result.pool, 8);
-            EXPECT_EQ(runs, 8);
+            const faults::scope no_memory(call::allocation, faults::every());
+            EXPECT_EQ(pool_add_task(result.pool, run_counted, &task), 0);
+            EXPECT_EQ(task.runs, 9);
+            EXPECT_EQ(result.pool->pro_count, 9);
             const faults::scope joins(call::thread_join, faults::those_of(0));
             EXPECT_EQ(pool_destroy(result.pool), 0);
-            EXPECT_EQ(joins.calls(), 4 - __builtin_popcount(failing));
+            EXPECT_EQ(joins.calls(), 4 - missing);
         }
         EXPECT_EQ(faults::live_blocks(), blocks) << failing;
     }
-}
-
-TEST(PoolFailures, ATaskWithoutARecordRunsAtOnce) {
-    thread_pool* pool = nullptr;
-    ASSERT_EQ(pool_init(&pool, 1), 0);
-    std::atomic<int> runs{0};
-    counted_task task = {pool, &runs};
-    {
-        const faults::scope fault(call::allocation, faults::every());
-        EXPECT_EQ(pool_add_task(pool, run_counted, &task), 0);
-    }
-    EXPECT_EQ(runs, 1);
-    EXPECT_EQ(pool->pro_count, 1);
-    EXPECT_EQ(pool_destroy(pool), 0);
 }
 
 TEST(PoolFailures, AFailedJoinIsReportedAndTheRestGoesOn) {

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Tasks that note their number, the first of which may be held until the gate opens.
+// What the tasks of a test share; the first may be held until the gate opens.
 struct board {
     thread_pool* pool = nullptr;
     std::promise<void> started;
@@ -38,7 +38,6 @@ void* hold(void* arg) {
 void* note(void* arg) {
     const auto* task = static_cast<const job*>(arg);
     task->shared->order.push_back(task->number);
-    ++task->shared->runs;
     pool_signal_done(task->shared->pool);
     return nullptr;
 }
@@ -50,28 +49,39 @@ void* count(void* arg) {
     return nullptr;
 }
 
-std::vector<job> jobs_of(board* shared, int number) {
-    std::vector<job> jobs;
-    for (int i = 0; i < number; ++i)
-        jobs.push_back({shared, i});
-    return jobs;
-}
-
-TEST(ThreadPool, RunsTasksInTheOrderOfTheirAdding) {
-    board shared;
-    ASSERT_EQ(pool_init(&shared.pool, 1), 0);
-    std::vector<job> jobs = jobs_of(&shared, 50);
-    pool_reset_done(shared.pool);
-    EXPECT_EQ(pool_add_task(shared.pool, hold, &shared), 0);
-    shared.started.get_future().wait();
-    for (job& j : jobs)
-        EXPECT_EQ(pool_add_task(shared.pool, note, &j), 0);
-    shared.gate.set_value();
-    pool_wait_done(shared.pool, 51);
-    ASSERT_EQ(shared.order.size(), jobs.size());
-    for (int i = 0; i < 50; ++i)
-        EXPECT_EQ(shared.order[static_cast<size_t>(i)], i);
-    EXPECT_EQ(pool_destroy(shared.pool), 0);
+// One worker is held while 50 tasks are added: they run in that order, or not at all.
+TEST(ThreadPool, RunsTasksInOrderOrDropsThem) {
+    for (const bool dropped : {false, true}) {
+        const int64_t blocks = faults::live_blocks();
+        board shared;
+        ASSERT_EQ(pool_init(&shared.pool, 1), 0);
+        std::vector<job> jobs;
+        std::vector<int> numbers;
+        for (int i = 0; i < 50; ++i) {
+            jobs.push_back({&shared, i});
+            numbers.push_back(i);
+        }
+        pool_add_task(shared.pool, hold, &shared);
+        shared.started.get_future().wait();
+        for (job& j : jobs)
+            EXPECT_EQ(pool_add_task(shared.pool, note, &j), 0);
+        EXPECT_EQ(faults::live_blocks(), blocks + 54);  // the record, two arrays, 51 tasks
+        std::future<int32_t> destroyed;
+        if (dropped) {
+            destroyed = std::async(std::launch::async, pool_destroy, shared.pool);
+            // The worker still sits in its task, so the pool lives until the gate opens.
+            for (bool stopping = false; !stopping; std::this_thread::yield()) {
+                pthread_mutex_lock(&shared.pool->queue_lock);
+                stopping = shared.pool->shutdown == 1;
+                pthread_mutex_unlock(&shared.pool->queue_lock);
+            }
+        }
+        shared.gate.set_value();
+        if (!dropped) pool_wait_done(shared.pool, 51);
+        EXPECT_EQ(dropped ? destroyed.get() : pool_destroy(shared.pool), 0);
+        EXPECT_EQ(shared.order, dropped ? std::vector<int>() : numbers);
+        EXPECT_EQ(faults::live_blocks(), blocks);
+    }
 }
 
 TEST(ThreadPool, RunsOneTaskOnEveryThreadAtOnce) {
@@ -92,102 +102,62 @@ TEST(ThreadPool, RunsOneTaskOnEveryThreadAtOnce) {
     EXPECT_EQ(pool_destroy(pool), 0);
 }
 
-TEST(ThreadPool, DropsTasksThatHaveNotStarted) {
-    const int64_t blocks = faults::live_blocks();
-    board shared;
-    ASSERT_EQ(pool_init(&shared.pool, 1), 0);
-    std::vector<job> jobs = jobs_of(&shared, 3);
-    pool_add_task(shared.pool, hold, &shared);
-    shared.started.get_future().wait();
-    for (job& j : jobs)
-        pool_add_task(shared.pool, note, &j);
-    EXPECT_EQ(faults::live_blocks(), blocks + 7);  // the record, two arrays, four tasks
-    std::future<int32_t> destroyed =
-        std::async(std::launch::async, [&shared] { return pool_destroy(shared.pool); });
-    // The worker still sits in its task, so the pool lives until the gate opens.
-    for (bool stopping = false; !stopping; std::this_thread::yield()) {
-        pthread_mutex_lock(&shared.pool->queue_lock);
-        stopping = shared.pool->shutdown == 1;
-        pthread_mutex_unlock(&shared.pool->queue_lock);
-    }
-    shared.gate.set_value();
-    EXPECT_EQ(destroyed.get(), 0);
-    EXPECT_EQ(shared.runs, 0);
-    EXPECT_EQ(faults::live_blocks(), blocks);
-}
-
 TEST(ThreadPool, DestroyWhileStoppingIsRefused) {
     thread_pool* pool = nullptr;
     ASSERT_EQ(pool_init(&pool, 2), 0);
-    const auto set_shutdown = [&](int32_t value) {
-        pthread_mutex_lock(&pool->queue_lock);
-        pool->shutdown = value;
-        pthread_mutex_unlock(&pool->queue_lock);
-    };
-    set_shutdown(1);
     const int64_t blocks = faults::live_blocks();
-    EXPECT_EQ(pool_destroy(pool), -1);
-    EXPECT_EQ(faults::live_blocks(), blocks);
-    EXPECT_EQ(pool->shutdown, 1);
-    EXPECT_EQ(pool->thread_creatflag[0] + pool->thread_creatflag[1], 2);
-    set_shutdown(0);
+    for (const int32_t stopping : {1, 0}) {
+        pthread_mutex_lock(&pool->queue_lock);
+        pool->shutdown = stopping;
+        pthread_mutex_unlock(&pool->queue_lock);
+        if (stopping == 0) break;
+        EXPECT_EQ(pool_destroy(pool), -1);
+        EXPECT_EQ(faults::live_blocks(), blocks);
+        EXPECT_EQ(pool->thread_creatflag[0] + pool->thread_creatflag[1], 2);
+    }
     EXPECT_EQ(pool_destroy(pool), 0);
 }
 
 TEST(ThreadPool, WaitsForTheExactCount) {
     thread_pool* pool = nullptr;
     ASSERT_EQ(pool_init(&pool, 1), 0);
+    const auto signal = [&](int times) {
+        for (int i = 0; i < times; ++i)
+            pool_signal_done(pool);
+    };
     pool_wait_done(pool, 0);
-    for (int i = 0; i < 5; ++i)
-        pool_signal_done(pool);
-    EXPECT_EQ(pool->pro_count, 5);
+    signal(5);
     pool_wait_done(pool, 5);
     std::future<void> waiter = std::async(std::launch::async, [&] { pool_wait_done(pool, 4); });
     // Five is more than four and not enough.
     EXPECT_EQ(waiter.wait_for(std::chrono::milliseconds(40)), std::future_status::timeout);
     pool_reset_done(pool);
-    for (int i = 0; i < 3; ++i)
-        pool_signal_done(pool);
+    signal(3);
     EXPECT_EQ(waiter.wait_for(std::chrono::milliseconds(40)), std::future_status::timeout);
-    pool_signal_done(pool);
+    signal(1);
     waiter.wait();
     pool_signal_done(nullptr);
     EXPECT_EQ(pool->pro_count, 4);
     EXPECT_EQ(pool_destroy(pool), 0);
 }
 
-TEST(ThreadPool, ManyStagesAndManyTasks) {
-    board shared;
-    ASSERT_EQ(pool_init(&shared.pool, 4), 0);
-    for (int stage = 1; stage <= 300; ++stage) {
-        pool_reset_done(shared.pool);
-        for (int k = 0; k < 4; ++k)
-            pool_add_task(shared.pool, count, &shared);
-        pool_wait_done(shared.pool, 4);
-        ASSERT_EQ(shared.runs, 4 * stage);
-    }
-    pool_reset_done(shared.pool);
-    for (int k = 0; k < 2000; ++k)
-        pool_add_task(shared.pool, count, &shared);
-    pool_wait_done(shared.pool, 2000);
-    EXPECT_EQ(shared.runs, 3200);
-    EXPECT_EQ(shared.pool->cur_queue_size, 0);
-    EXPECT_EQ(pool_destroy(shared.pool), 0);
-}
-
-TEST(ThreadPool, AThousandPools) {
+TEST(ThreadPool, ManyPoolsStagesAndTasks) {
     const int64_t blocks = faults::live_blocks();
-    for (int i = 0; i < 1000; ++i) {
+    for (int i = 0; i < 400; ++i) {
         board shared;
         ASSERT_EQ(pool_init(&shared.pool, 1 + i % 4), 0);
-        for (int k = 0; k < 4; ++k)
-            pool_add_task(shared.pool, count, &shared);
-        if (i % 2 == 0) {
-            pool_wait_done(shared.pool, 4);
-            ASSERT_EQ(shared.runs, 4);
+        const int stages = i == 0 ? 300 : 1 + i % 2, tasks = i == 1 ? 2000 : 4;
+        for (int stage = 1; stage <= stages; ++stage) {
+            pool_reset_done(shared.pool);
+            for (int k = 0; k < tasks; ++k)
+                pool_add_task(shared.pool, count, &shared);
+            if (i % 8 == 7) continue;
+            pool_wait_done(shared.pool, tasks);
+            ASSERT_EQ(shared.runs, tasks * stage);
+            ASSERT_EQ(shared.pool->cur_queue_size, 0);
         }
         ASSERT_EQ(pool_destroy(shared.pool), 0);
-        ASSERT_LE(shared.runs, 4);
+        ASSERT_LE(shared.runs, tasks * stages);
     }
     EXPECT_EQ(faults::live_blocks(), blocks);
 }

@@ -15,7 +15,7 @@ uint8_t pattern(size_t index) {
 
 }  // namespace
 
-guarded_bytes::guarded_bytes(const model::bytes& content, size_t before, size_t after)
+guarded_bytes::guarded_bytes(const model::bytes& content, size_t before, size_t after, side at)
     : before_(before), size_(content.size()), total_(before + content.size() + after) {
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const size_t inner = (total_ + page - 1) / page * page;
@@ -24,7 +24,7 @@ guarded_bytes::guarded_bytes(const model::bytes& content, size_t before, size_t 
     if (map_ == MAP_FAILED) abort();
     uint8_t* const first = static_cast<uint8_t*>(map_) + page;
     if (inner > 0 && mprotect(first, inner, PROT_READ | PROT_WRITE) != 0) abort();
-    storage_ = first + (inner - total_);
+    storage_ = at == side::start ? first : first + (inner - total_);
     for (size_t i = 0; i < total_; ++i)
         storage_[i] = pattern(i);
     std::copy(content.begin(), content.end(), storage_ + before_);

@@ -13,8 +13,9 @@ class guarded_bytes {
   public:
     /* `before` bytes of pattern, the content, `after` bytes of pattern, and then a page that cannot
      * be touched: with no byte after it a read behind the content is a crash. There is such a page
-     * before the buffer's first page too. */
-    guarded_bytes(const model::bytes& content, size_t before, size_t after);
+     * before the buffer's first page too, which with side::start the pattern follows at once. */
+    enum class side { start, end };
+    guarded_bytes(const model::bytes& content, size_t before, size_t after, side at = side::end);
     ~guarded_bytes();
     guarded_bytes(const guarded_bytes&) = delete;
     guarded_bytes& operator=(const guarded_bytes&) = delete;

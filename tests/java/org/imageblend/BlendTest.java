@@ -1,6 +1,10 @@
 package org.imageblend;
 
 import static org.imageblend.Frames.HEIGHT;
+import static org.imageblend.Frames.ICON_HEIGHT;
+import static org.imageblend.Frames.ICON_WIDTH;
+import static org.imageblend.Frames.ICON_X;
+import static org.imageblend.Frames.ICON_Y;
 import static org.imageblend.Frames.PIXELS;
 import static org.imageblend.Frames.WIDTH;
 import static org.junit.Assert.assertArrayEquals;
@@ -11,8 +15,9 @@ import static org.junit.Assert.assertTrue;
 import java.nio.ByteBuffer;
 import org.junit.Test;
 
-/** Blends and placements: pixels, orders, shared memory and refusals. */
+/** Blends, placements and cut-outs: pixels, orders, shared memory and refusals. */
 public class BlendTest {
+    private static final int[] SIZE = {ICON_WIDTH, ICON_HEIGHT};
     private final byte[] mask = Frames.mask();
     private final int[] icon = Frames.noise(1);
     private final int[] destination = Frames.noise(2);
@@ -31,42 +36,18 @@ public class BlendTest {
         return output;
     }
 
-    private static void assertNear(int expected, int pixel) {
-        for (int shift = 0; shift < 32; shift += 8) {
-            assertEquals(
-                Integer.toHexString(pixel), expected >>> shift & 255, pixel >>> shift & 255, 2);
-        }
-    }
-
     @Test
-    public void channelsKeepTheirPlaces() {
+    public void channelsAndPlaces() {
         final int[] output = new int[PIXELS];
         assertTrue(ImageBlend.blend(Frames.flat(0x11C86414), Frames.flat(0x220A3C96), mask, output,
-            WIDTH, HEIGHT, 80, 60, 1, 0));
-        assertNear(0xFFC86414, output[60 * WIDTH + 80]);
+            WIDTH, HEIGHT, 100, 50, 1, 0));
+        final int pixel = output[50 * WIDTH + 100];
+        for (int shift = 0; shift < 32; shift += 8)
+            assertEquals(0xFFC86414 >>> shift & 255, pixel >>> shift & 255, 2);
         assertEquals(0x220A3C96, output[0]);
-        assertEquals(0x220A3C96, output[PIXELS - 1]);
-    }
-
-    @Test
-    public void theObjectStandsAtTheCentre() {
-        final int[] output = new int[PIXELS];
-        final int white = 0xFFFFFFFF;
-        final int black = 0xFF000000;
-        assertTrue(ImageBlend.blend(
-            Frames.flat(white), Frames.flat(black), mask, output, WIDTH, HEIGHT, 100, 50, 1, 0));
-        assertNear(white, output[50 * WIDTH + 100]);
-        // Where the object would stand if x and y, or its old and new place, were taken for
-        // another.
-        assertNear(black, output[100 * WIDTH + 50]);
-        assertNear(black, output[45 * WIDTH + 55]);
-    }
-
-    @Test
-    public void buffersAgreeWithArrays() {
-        final ByteBuffer output = Frames.bytes(PIXELS * 4);
-        assertTrue(blend(Frames.bytesOf(icon), Frames.bytesOf(destination), output));
-        assertArrayEquals(expected(), Frames.pixelsOf(output));
+        // Where the object would stand if x and y, or its old and new place, were exchanged.
+        assertEquals(0x220A3C96, output[100 * WIDTH + 50]);
+        assertEquals(0x220A3C96, output[45 * WIDTH + 40]);
     }
 
     @Test
@@ -91,31 +72,26 @@ public class BlendTest {
     @Test
     public void theOutputMayBeAnInput() {
         final int[] intoIcon = icon.clone();
-        assertTrue(blend(intoIcon, destination, intoIcon));
-        assertArrayEquals(expected(), intoIcon);
         final int[] intoDestination = destination.clone();
+        assertTrue(blend(intoIcon, destination, intoIcon));
         assertTrue(blend(icon, intoDestination, intoDestination));
+        assertArrayEquals(expected(), intoIcon);
         assertArrayEquals(expected(), intoDestination);
-
         final ByteBuffer iconBytes = Frames.bytesOf(icon);
-        assertTrue(blend(iconBytes, Frames.bytesOf(destination), iconBytes));
-        assertArrayEquals(expected(), Frames.pixelsOf(iconBytes));
         final ByteBuffer destinationBytes = Frames.bytesOf(destination);
+        assertTrue(blend(iconBytes, destinationBytes, iconBytes));
         assertTrue(blend(Frames.bytesOf(icon), destinationBytes, destinationBytes.duplicate()));
+        assertArrayEquals(expected(), Frames.pixelsOf(iconBytes));
         assertArrayEquals(expected(), Frames.pixelsOf(destinationBytes));
     }
 
     @Test
-    public void aRefusedPlacementIsAResult() {
+    public void refusalsAndVerdicts() {
         final int[] output = Frames.flat(7);
         assertFalse(ImageBlend.blend(icon, destination, mask, output, WIDTH, HEIGHT, 80, 60, 5, 0));
         assertArrayEquals(Frames.flat(7), output);
         assertFalse(ImageBlend.blend(Frames.bytesOf(icon), Frames.bytesOf(destination), mask,
             Frames.bytes(PIXELS * 4), WIDTH, HEIGHT, 80, 60, 5, 0));
-    }
-
-    @Test
-    public void verdictsOfPlacements() {
         final int fits = ImageBlend.verifyPosition(mask, WIDTH, HEIGHT, 80, 60, 1, 0);
         final int seam = ImageBlend.verifyPosition(mask, WIDTH, HEIGHT, 27, 60, 1, 0);
         final int turned = ImageBlend.verifyPosition(mask, WIDTH, HEIGHT, 80, 27, 1, 90);
@@ -123,5 +99,34 @@ public class BlendTest {
         assertArrayEquals(
             new int[] {ImageBlend.FITS, ImageBlend.SEAM, ImageBlend.SEAM, ImageBlend.REFUSED},
             new int[] {fits, seam, turned, refused});
+    }
+
+    @Test
+    public void theObjectIsCutOut() {
+        final int count = ICON_WIDTH * ICON_HEIGHT;
+        final int[] array = Frames.flat(7);
+        final ByteBuffer buffer = Frames.bytes(count * 4 + 12);
+        buffer.position(8);
+        assertArrayEquals(SIZE, ImageBlend.iconSize(mask, WIDTH, HEIGHT));
+        assertArrayEquals(SIZE, ImageBlend.createIcon(icon, mask, WIDTH, HEIGHT, array));
+        assertArrayEquals(
+            SIZE, ImageBlend.createIcon(Frames.bytesOf(icon), mask, WIDTH, HEIGHT, buffer));
+        for (int i = 0; i < count; i++) {
+            final int at = (ICON_Y + i / ICON_WIDTH) * WIDTH + ICON_X + i % ICON_WIDTH;
+            assertEquals(mask[at] == 0 ? 0 : icon[at] | 0xFF000000, array[i]);
+            assertEquals(array[i], buffer.getInt(8 + 4 * i));
+        }
+        assertEquals(7, array[count]);
+        assertEquals(0, buffer.getInt(4));
+        assertEquals(0, buffer.getInt(8 + 4 * count));
+        // Without an object nothing is written; the last box has one negative side.
+        final byte[] empty = new byte[PIXELS];
+        final int[] none = {2 - WIDTH, 2 - HEIGHT};
+        assertArrayEquals(none, ImageBlend.iconSize(empty, WIDTH, HEIGHT));
+        assertArrayEquals(none, ImageBlend.createIcon(icon, empty, WIDTH, HEIGHT, new int[0]));
+        assertArrayEquals(none,
+            ImageBlend.createIcon(Frames.bytesOf(icon), empty, WIDTH, HEIGHT, Frames.bytes(0)));
+        assertArrayEquals(
+            new int[] {2 - PIXELS, 1}, ImageBlend.createIcon(icon, empty, PIXELS, 1, new int[0]));
     }
 }

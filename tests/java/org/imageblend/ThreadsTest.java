@@ -6,6 +6,7 @@ import java.io.BufferedReader;
 import java.io.File;
 import java.io.IOException;
 import java.io.InputStreamReader;
+import java.nio.ByteBuffer;
 import java.util.Arrays;
 import org.junit.Test;
 
@@ -16,14 +17,15 @@ public class ThreadsTest {
 
     /** Blends in all threads at once, half of them in arrays and half in buffers. */
     public static void main(String[] arguments) throws InterruptedException {
-        final int[] expected = new int[Frames.PIXELS];
-        blend(expected);
+        final int[] expected = blend(false);
         final Thread[] threads = new Thread[THREADS];
         for (int i = 0; i < THREADS; i++) {
             final boolean inBuffers = i % 2 == 1;
             threads[i] = new Thread(() -> {
-                for (int blend = 0; blend < BLENDS; blend++)
-                    blendOnce(inBuffers, expected);
+                for (int done = 0; done < BLENDS; done++) {
+                    if (!Arrays.equals(expected, blend(inBuffers)))
+                        System.out.println("a blend gave other pixels");
+                }
             });
         }
         for (Thread thread : threads)
@@ -32,22 +34,17 @@ public class ThreadsTest {
             thread.join();
     }
 
-    private static void blend(int[] output) {
-        ImageBlend.blend(Frames.noise(1), Frames.noise(2), Frames.mask(), output, Frames.WIDTH,
-            Frames.HEIGHT, 80, 60, 1.5f, 40);
-    }
-
-    private static void blendOnce(boolean inBuffers, int[] expected) {
-        int[] output = new int[Frames.PIXELS];
+    private static int[] blend(boolean inBuffers) {
+        final ByteBuffer bytes = Frames.bytes(Frames.PIXELS * 4);
+        final int[] output = new int[Frames.PIXELS];
         if (inBuffers) {
-            final java.nio.ByteBuffer bytes = Frames.bytes(Frames.PIXELS * 4);
             ImageBlend.blend(Frames.bytesOf(Frames.noise(1)), Frames.bytesOf(Frames.noise(2)),
                 Frames.mask(), bytes, Frames.WIDTH, Frames.HEIGHT, 80, 60, 1.5f, 40);
-            output = Frames.pixelsOf(bytes);
         } else {
-            blend(output);
+            ImageBlend.blend(Frames.noise(1), Frames.noise(2), Frames.mask(), output, Frames.WIDTH,
+                Frames.HEIGHT, 80, 60, 1.5f, 40);
         }
-        if (!Arrays.equals(expected, output)) System.out.println("a blend gave other pixels");
+        return inBuffers ? Frames.pixelsOf(bytes) : output;
     }
 
     @Test

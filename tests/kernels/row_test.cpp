@@ -1,0 +1,283 @@
+// The operations of the row tables. Every table gives what the plain rows give, at every length and
+// between pages that cannot be touched; the plain rows, and the others, round every value rightly.
+#include <gtest/gtest.h>
+#include <string.h>
+
+#include <algorithm>
+#include <functional>
+#include <list>
+
+#include "kernels/vector_rows.h"
+#include "naive.h"
+#include "support/guarded_bytes.h"
+
+namespace {
+
+using naive::bytes;
+using naive::words;
+using support::guarded_bytes;
+using pointers = std::vector<const uint8_t*>;
+
+class Rows : public ::testing::TestWithParam<const row_ops*> {};
+
+std::vector<const row_ops*> tables_of_this_machine() {
+    std::vector<const row_ops*> tables = {&plain_rows};
+    for (const row_ops* table : {avx2_rows(), avx512_rows(), neon_rows()})
+        if (table != nullptr) tables.push_back(table);
+    return tables;
+}
+INSTANTIATE_TEST_SUITE_P(Tables, Rows, ::testing::ValuesIn(tables_of_this_machine()),
+                         [](const auto& table) { return table.param->name; });
+
+const int16_t* words_at(const uint8_t* place) {
+    return reinterpret_cast<const int16_t*>(place);
+}
+int16_t* words_at(uint8_t* place) {
+    return reinterpret_cast<int16_t*>(place);
+}
+
+// One operation: its input rows, the size of its output, and the call.
+struct row_case {
+    const char* name;
+    std::vector<bytes> inputs;
+    size_t output_bytes;
+    std::function<void(const row_ops& t, const pointers& in, uint8_t* out)> call;
+};
+
+void check(const row_ops& table, const row_case& c) {
+    bytes expected(c.output_bytes, naive::UNTOUCHED);
+    pointers plain;
+    for (const bytes& input : c.inputs)
+        plain.push_back(input.data());
+    c.call(plain_rows, plain, expected.data());
+    for (const auto side : {guarded_bytes::side::start, guarded_bytes::side::end}) {
+        const size_t before = side == guarded_bytes::side::start ? 0 : 64, after = 64 - before;
+        std::list<guarded_bytes> inputs;
+        pointers in;
+        for (const bytes& input : c.inputs)
+            in.push_back(inputs.emplace_back(input, before, after, side).data());
+        guarded_bytes out(bytes(c.output_bytes, naive::UNTOUCHED), before, after, side);
+        c.call(table, in, out.data());
+        ASSERT_TRUE(out.content() == expected && out.intact()) << c.name;
+        const bool kept = std::equal(
+            inputs.begin(), inputs.end(), c.inputs.begin(),
+            [](const auto& place, const bytes& content) { return place.content() == content; });
+        ASSERT_TRUE(kept) << c.name;
+    }
+}
+
+// Operations on n elements, and on n pixels with a mask of n bytes.
+std::vector<row_case> element_cases(size_t n, int kind) {
+    const auto data = [&](size_t count) { return naive::data(kind, count, count + n); };
+    const auto other = [&](size_t count) { return naive::data(4, count, count); };
+    const bytes lap = naive::bytes_of(naive::signed_data(kind, 3 * n, 255, n));
+    const bytes lap2 = naive::bytes_of(naive::signed_data(4, 3 * n, 255, n + 1));
+    const bytes wide = naive::bytes_of(naive::signed_data(kind, n, 32767, n));
+    const bytes lap_n(lap.begin(), lap.begin() + static_cast<ptrdiff_t>(2 * n));
+    const bytes c3 = data(3 * n), d3 = other(3 * n), mask = n % 3 == 0 ? data(n) : other(n);
+    const int weight = static_cast<int>(n * 37) % 129;
+    return {
+        {"subtract",
+         {data(n), other(n)},
+         2 * n,
+         [n](auto& t, auto& in, auto* out) { t.subtract(in[0], in[1], words_at(out), n); }},
+        {"widen",
+         {data(n)},
+         2 * n,
+         [n](auto& t, auto& in, auto* out) { t.widen(in[0], words_at(out), n); }},
+        {"collapse",
+         {lap_n, data(n)},
+         n,
+         [n](auto& t, auto& in, auto* out) { t.collapse(words_at(in[0]), in[1], out, n); }},
+        {"narrow",
+         {wide},
+         n,
+         [n](auto& t, auto& in, auto* out) { t.narrow(words_at(in[0]), out, n); }},
+        {"mix_rows",
+         {data(n), other(n)},
+         n,
+         [n, weight](auto& t, auto& in, auto* out) { t.mix_rows(in[0], in[1], weight, out, n); }},
+        {"blend",
+         {mask, lap, lap2},
+         6 * n,
+         [n](auto& t, auto& in, auto* out) {
+             t.blend(in[0], words_at(in[1]), words_at(in[2]), words_at(out), n);
+         }},
+        {"blend over a",
+         {mask, lap, lap2},
+         6 * n,
+         [n](auto& t, auto& in, auto* out) {
+             memcpy(out, in[1], 6 * n);
+             t.blend(in[0], words_at(out), words_at(in[2]), words_at(out), n);
+         }},
+        {"blend over b",
+         {mask, lap, lap2},
+         6 * n,
+         [n](auto& t, auto& in, auto* out) {
+             memcpy(out, in[2], 6 * n);
+             t.blend(in[0], words_at(in[1]), words_at(out), words_at(out), n);
+         }},
+        {"merge",
+         {mask, c3, d3, d3, c3, c3},
+         3 * n,
+         [n](auto& t, auto& in, auto* out) {
+             const merge_rows rows = {in[0], in[1], in[2], in[3], in[4], in[5]};
+             t.merge(&rows, out, n);
+         }},
+        {"pack_rgb",
+         {other(4 * n)},
+         3 * n,
+         [n](auto& t, auto& in, auto* out) { t.pack_rgb(in[0], out, n); }},
+        {"unpack_rgb",
+         {other(3 * n)},
+         4 * n,
+         [n](auto& t, auto& in, auto* out) { t.unpack_rgb(in[0], out, n); }},
+        {"reduce_column",
+         {data(n), other(n), c3, d3, data(n)},
+         n,
+         [n](auto& t, auto& in, auto* out) { t.reduce_column(in.data(), out, n); }},
+        {"expand_even",
+         {data(n), other(n), c3},
+         n,
+         [n](auto& t, auto& in, auto* out) { t.expand_even(in[0], in[1], in[2], out, n); }},
+        {"expand_odd",
+         {data(n), other(n)},
+         n,
+         [n](auto& t, auto& in, auto* out) { t.expand_odd(in[0], in[1], out, n); }},
+    };
+}
+
+// Rows of n pixels made narrower and wider, and rows of several widths resampled to n.
+std::vector<row_case> filter_cases(int32_t n, int kind) {
+    std::vector<row_case> cases;
+    const auto row = [&](int32_t width, int32_t channels, size_t more = 0) {
+        return naive::data(kind, naive::plane_bytes({width, 1}, channels) + more, 5);
+    };
+    // Half the width, and shorter ones, for which the row goes on behind the last centre.
+    for (const int32_t narrow : {n / 2, n / 2 - 1, n / 3 + 1, 2}) {
+        if (narrow < 2 || 2 * narrow > n) continue;
+        const auto size = static_cast<size_t>(narrow);
+        cases.push_back({"reduce_row_c3", {row(n, 3)}, 3 * size, [=](auto& t, auto& in, auto* out) {
+                             t.reduce_row_c3(in[0], n, out, narrow);
+                         }});
+        cases.push_back({"reduce_row_c1", {row(n, 1)}, size, [=](auto& t, auto& in, auto* out) {
+                             t.reduce_row_c1(in[0], n, out, narrow);
+                         }});
+    }
+    for (int32_t wide = 2 * n; n >= 2 && wide <= 2 * n + 9; wide += wide > 2 * n ? 4 : 1) {
+        cases.push_back(
+            {"expand_row_c3",
+             {row(n, 3)},
+             3 * static_cast<size_t>(wide),
+             [=](auto& t, auto& in, auto* out) { t.expand_row_c3(in[0], n, out, wide); }});
+    }
+    for (const int32_t width : {2, 3, 7, n + 1, 2 * n + 5}) {
+        std::vector<row_tap> taps;
+        for (int32_t i = 0; i < n; ++i)
+            taps.push_back(
+                {i * (width - 2) / std::max(n - 1, 1), i % 5 == 0 ? i % 2 * 128 : i * 53 % 129});
+        // Two bytes behind the last named pixel may be read.
+        cases.push_back({"resample_row_c3",
+                         {row(width, 3, 2)},
+                         3 * taps.size(),
+                         [taps](auto& t, auto& in, auto* out) {
+                             t.resample_row_c3(in[0], taps.data(), out, taps.size());
+                         }});
+    }
+    return cases;
+}
+
+TEST_P(Rows, OfEveryLength) {
+    for (int32_t n = 1; n <= 132; ++n) {
+        for (const int kind : {1, 2, 3, 4, 5}) {
+            SCOPED_TRACE("length " + std::to_string(n) + ", data " + std::to_string(kind));
+            for (const auto& cases :
+                 {element_cases(static_cast<size_t>(n), kind), filter_cases(n, kind)}) {
+                for (const row_case& c : cases) {
+                    check(*GetParam(), c);
+                    ASSERT_FALSE(HasFatalFailure());
+                }
+            }
+        }
+    }
+}
+
+// Every pair of bytes: filters in which taps share the two, and the mix by every weight.
+TEST_P(Rows, OfEveryPairOfBytes) {
+    bytes first(65536), second(65536), out(65536);
+    for (size_t i = 0; i < out.size(); ++i) {
+        first[i] = static_cast<uint8_t>(i / 256);
+        second[i] = static_cast<uint8_t>(i % 256);
+    }
+    const uint8_t *const a = first.data(), *const b = second.data();
+    const auto expect = [&](const char* what, int weight_a, int weight_b, int half, int divisor) {
+        for (size_t i = 0; i < out.size(); ++i)
+            ASSERT_EQ(out[i], (weight_a * a[i] + weight_b * b[i] + half) / divisor)
+                << what << " of " << int{a[i]} << " and " << int{b[i]};
+    };
+    const uint8_t* const taps[5] = {b, a, b, a, a};
+    GetParam()->reduce_column(taps, out.data(), out.size());
+    expect("reduce_column", 9, 7, 8, 16);
+    GetParam()->expand_even(a, b, a, out.data(), out.size());
+    expect("expand_even", 2, 6, 4, 8);
+    GetParam()->expand_odd(a, b, out.data(), out.size());
+    expect("expand_odd", 4, 4, 4, 8);
+    for (int weight = 0; weight <= 128; ++weight) {
+        GetParam()->mix_rows(a, b, weight, out.data(), out.size());
+        expect("mix_rows", 128 - weight, weight, 64, 128);
+    }
+}
+
+// Blends of every mask and value, and merges of differences that give them.
+TEST_P(Rows, OfEveryMaskAndValue) {
+    constexpr int values = 511;  // -255 .. 255
+    constexpr size_t count = 3 * values;
+    words a(count), b(count), out(count);
+    bytes src(count), under(count), coarse_src(count), coarse_under(count), base(count);
+    bytes merged(count);
+    for (int mask = 0; mask < 256; ++mask) {
+        const bytes row(values, static_cast<uint8_t>(mask));
+        const merge_rows rows = {row.data(),        src.data(),          under.data(),
+                                 coarse_src.data(), coarse_under.data(), base.data()};
+        // Every a meets every seventh b, from a start that differs from mask to mask, and the ends.
+        for (int step = -2; step < values; step += 7) {
+            for (size_t i = 0; i < count; ++i) {
+                const int at = static_cast<int>(i / 3), third = static_cast<int>(i % 3);
+                const int other = step < 0 ? (at % 2 == 0 ? 0 : 510) : at + step + mask + third;
+                const int x = at - 255, y = other % values - 255;
+                a[i] = static_cast<int16_t>(x);
+                b[i] = static_cast<int16_t>(y);
+                src[i] = static_cast<uint8_t>(std::max(x, 0));
+                coarse_src[i] = static_cast<uint8_t>(std::max(-x, 0));
+                under[i] = static_cast<uint8_t>(std::max(y, 0));
+                coarse_under[i] = static_cast<uint8_t>(std::max(-y, 0));
+                base[i] = static_cast<uint8_t>(i * 7);
+            }
+            GetParam()->blend(row.data(), a.data(), b.data(), out.data(), values);
+            GetParam()->merge(&rows, merged.data(), values);
+            for (size_t i = 0; i < count; ++i) {
+                const int16_t expected = naive::blended(mask, a[i], b[i]);
+                ASSERT_TRUE(out[i] == expected && merged[i] == naive::collapsed(expected, base[i]))
+                    << "mask " << mask << ", a " << a[i] << ", b " << b[i];
+            }
+        }
+    }
+}
+
+TEST_P(Rows, CollapseAndNarrowOfEveryWord) {
+    words all(65536);
+    for (int i = 0; i < 65536; ++i)
+        all[static_cast<size_t>(i)] = static_cast<int16_t>(i - 32768);
+    bytes out(all.size());
+    for (int base = 0; base < 256; ++base) {
+        const bytes flat(all.size(), static_cast<uint8_t>(base));
+        GetParam()->collapse(all.data(), flat.data(), out.data(), all.size());
+        for (size_t i = 0; i < all.size(); ++i)
+            ASSERT_EQ(out[i], naive::collapsed(all[i], base)) << all[i] << ", base " << base;
+    }
+    GetParam()->narrow(all.data(), out.data(), all.size());
+    for (size_t i = 0; i < all.size(); ++i)
+        ASSERT_EQ(out[i], static_cast<uint8_t>(all[i] & 255)) << all[i];
+}
+
+}  // namespace
