@@ -8,42 +8,8 @@
 #if defined(__AVX2__)
 
 #include <cpuid.h>
-#include <immintrin.h>
 
-typedef __m256i bytes32;
-
-static inline bytes32 load(const uint8_t* p) {
-    return _mm256_loadu_si256((const __m256i*)p);
-}
-static inline void store(uint8_t* p, bytes32 v) {
-    _mm256_storeu_si256((__m256i*)p, v);
-}
-static inline __m256i load_values(const int16_t* p) {
-    return _mm256_loadu_si256((const __m256i*)p);
-}
-static inline void store_values(int16_t* p, __m256i v) {
-    _mm256_storeu_si256((__m256i*)p, v);
-}
-static inline __m128i load16(const uint8_t* p) {
-    return _mm_loadu_si128((const __m128i*)p);
-}
-static inline void store16(uint8_t* p, __m128i v) {
-    _mm_storeu_si128((__m128i*)p, v);
-}
-
-// Two runs of 16 bytes, one in each half.
-static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(load16(low)), load16(high), 1);
-}
-
-static inline __m256i widen16(const uint8_t* p) {
-    return _mm256_cvtepu8_epi16(load16(p));
-}
-
-// Bytes of two vectors of 16 values in their order, each saturated to 0..255.
-static inline bytes32 pack_in_order(__m256i low, __m256i high) {
-    return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xd8);
-}
+#include "kernels/avx2_vectors.h"
 
 // Averages rounding down and up.
 static inline bytes32 average_up(bytes32 a, bytes32 b) {
@@ -57,11 +23,6 @@ static inline bytes32 average_down(bytes32 a, bytes32 b) {
 // (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step.
 static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
     return average_up(b, average_down(b, average_down(a, c)));
-}
-
-// Weights of a pair of neighbouring bytes for _mm256_maddubs_epi16.
-static inline __m256i pair_weights(int first, int second) {
-    return _mm256_set1_epi16((short)(second * 256 + first));
 }
 
 static inline __m256i weigh(bytes32 pairs, int first, int second) {
@@ -131,13 +92,6 @@ static inline __m256i reduce_pixels(const uint8_t* s) {
     return reduce_pairs(_mm256_shuffle_epi8(load_halves(s - 6, s + 6), pairs),
                         _mm256_shuffle_epi8(load_halves(s, s + 12), pairs),
                         _mm256_shuffle_epi8(load_halves(s + 3, s + 15), singles));
-}
-
-// Stores the first 12 bytes of each half, 24 bytes in all.
-static inline void store_two_twelves(uint8_t* p, __m256i v) {
-    const __m128i low = _mm256_castsi256_si128(v), high = _mm256_extracti128_si256(v, 1);
-    store16(p, _mm_or_si128(low, _mm_slli_si128(high, 12)));
-    _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
 }
 
 // Eight pixels a step. The reads of a step end 12 bytes behind its last centre, so the last two
@@ -324,94 +278,11 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
     });
 }
 
-// Samples are moved to -128..127, so that the unsigned factor of the products can be a weight of up
-// to 128; the sum is then 128 * 128 too small, which the rounding term restores.
-static inline __m256i interpolate_pairs(bytes32 pairs, __m256i weights) {
-    const __m256i centred = _mm256_xor_si256(pairs, _mm256_set1_epi8(-128));
-    const __m256i sum = _mm256_maddubs_epi16(weights, centred);
-    return _mm256_srli_epi16(_mm256_add_epi16(sum, _mm256_set1_epi16(128 * 128 + 64)), 7);
-}
-
-static void mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
-                     size_t bytes) {
-    if (bytes < 32) return plain_rows.mix_rows(s0, s1, weight, dst, bytes);
-    const __m256i weights = pair_weights(128 - weight, weight);
-    for_each_vector(bytes, 32, [=](size_t i) {
-        const bytes32 a = load(s0 + i), b = load(s1 + i);
-        const __m256i low = interpolate_pairs(_mm256_unpacklo_epi8(a, b), weights);
-        const __m256i high = interpolate_pairs(_mm256_unpackhi_epi8(a, b), weights);
-        store(dst + i, _mm256_packus_epi16(low, high));
-    });
-}
-
-static inline __m128i load8(const uint8_t* p) {
-    return _mm_loadl_epi64((const __m128i*)p);
-}
-
-// Two neighbouring pixels for each of two outputs.
-static inline __m128i load_two_taps(const uint8_t* src, const row_tap* taps) {
-    return _mm_unpacklo_epi64(load8(src + 3 * (ptrdiff_t)taps[0].sample),
-                              load8(src + 3 * (ptrdiff_t)taps[1].sample));
-}
-
-// Four pixels a step: two in each half, three lanes and an empty one for each. The empty lanes are
-// closed up behind a store of 16 bytes, so the last pixels are left to the plain operation.
-static void resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
-                            uint8_t* __restrict dst, size_t pixels) {
-    const __m256i neighbours = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(0, 3, 1, 4, 2, 5, -1, -1, 8, 11, 9, 12, 10, 13, -1, -1));
-    const __m256i spread_weights = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(0, 4, 0, 4, 0, 4, 0, 4, 8, 12, 8, 12, 8, 12, 8, 12));
-    const __m128i close_up = _mm_setr_epi8(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, -1, -1, -1, -1);
-    size_t p = 0;
-    for (; p + 6 <= pixels; p += 4) {
-        const row_tap* t = taps + p;
-        const bytes32 pairs = _mm256_shuffle_epi8(
-            _mm256_inserti128_si256(_mm256_castsi128_si256(load_two_taps(src, t)),
-                                    load_two_taps(src, t + 2), 1),
-            neighbours);
-        // The taps' weights lie in bytes 4 and 12 of each half; 128 minus them goes to 0 and 8.
-        const __m256i both = _mm256_loadu_si256((const __m256i*)t);
-        const __m256i second = _mm256_and_si256(both, _mm256_set1_epi64x((int64_t)0xff << 32));
-        const __m256i first =
-            _mm256_sub_epi32(_mm256_set1_epi64x(128), _mm256_srli_epi64(second, 32));
-        const __m256i weights = _mm256_shuffle_epi8(
-            _mm256_or_si256(second, _mm256_and_si256(first, _mm256_set1_epi64x(255))),
-            spread_weights);
-        const __m256i values = interpolate_pairs(pairs, weights);
-        const __m128i packed =
-            _mm_packus_epi16(_mm256_castsi256_si128(values), _mm256_extracti128_si256(values, 1));
-        store16(dst + 3 * p, _mm_shuffle_epi8(packed, close_up));
-    }
-    plain_rows.resample_row_c3(src, taps + p, dst + 3 * p, pixels - p);
-}
-
-static void pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels) {
-    if (pixels < 8) return plain_rows.pack_rgb(argb, rgb, pixels);
-    const __m256i colours = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(1, 2, 3, 5, 6, 7, 9, 10, 11, 13, 14, 15, -1, -1, -1, -1));
-    for_each_vector(pixels, 8, [=](size_t p) {
-        store_two_twelves(rgb + 3 * p, _mm256_shuffle_epi8(load(argb + 4 * p), colours));
-    });
-}
-
-static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels) {
-    if (pixels < 8) return plain_rows.unpack_rgb(rgb, argb, pixels);
-    // The upper half is loaded four bytes early, so that the load ends with the last pixel.
-    const __m256i spread =
-        _mm256_setr_epi8(-1, 0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11, -1, 4, 5, 6, -1, 7,
-                         8, 9, -1, 10, 11, 12, -1, 13, 14, 15);
-    const __m256i opaque = _mm256_set1_epi32(255);
-    for_each_vector(pixels, 8, [=](size_t p) {
-        const bytes32 packed = load_halves(rgb + 3 * p, rgb + 3 * p + 8);
-        store(argb + 4 * p, _mm256_or_si256(_mm256_shuffle_epi8(packed, spread), opaque));
-    });
-}
-
 static const row_ops table = {
-    "avx2",     reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column, expand_even,
-    expand_odd, subtract,      widen,           blend,         collapse,      merge,
-    narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
+    "avx2",        reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column,
+    expand_even,   expand_odd,      subtract,      widen,         blend,
+    collapse,      merge,           narrow,        avx2_mix_rows, avx2_resample_row_c3,
+    avx2_pack_rgb, avx2_unpack_rgb,
 };
 
 static void wide_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width,
@@ -425,15 +296,23 @@ static void wide_expand_row_c3(const uint8_t* __restrict src, int32_t src_width,
 }
 
 static const row_ops wide_table = {
-    "avx512",        wide_reduce_row_c3,
-    reduce_row_c1,   wide_expand_row_c3,
-    reduce_column,   expand_even,
-    expand_odd,      subtract,
-    widen,           blend,
-    collapse,        merge,
-    narrow,          mix_rows,
-    resample_row_c3, pack_rgb,
-    unpack_rgb,
+    "avx512",
+    wide_reduce_row_c3,
+    reduce_row_c1,
+    wide_expand_row_c3,
+    reduce_column,
+    expand_even,
+    expand_odd,
+    subtract,
+    widen,
+    blend,
+    collapse,
+    merge,
+    narrow,
+    avx2_mix_rows,
+    avx2_resample_row_c3,
+    avx2_pack_rgb,
+    avx2_unpack_rgb,
 };
 
 enum { HAS_NOTHING = 1, HAS_AVX2 = 2, HAS_AVX512 = 3 };

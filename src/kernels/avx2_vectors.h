@@ -1,0 +1,64 @@
+// What the files with 256-bit vectors of x86-64 share. Only for files that are built for AVX2.
+#ifndef IMAGEBLEND_KERNELS_AVX2_VECTORS_H
+#define IMAGEBLEND_KERNELS_AVX2_VECTORS_H
+
+#include <immintrin.h>
+
+#include "kernels/vector_rows.h"
+
+typedef __m256i bytes32;
+
+static inline bytes32 load(const uint8_t* p) {
+    return _mm256_loadu_si256((const __m256i*)p);
+}
+static inline void store(uint8_t* p, bytes32 v) {
+    _mm256_storeu_si256((__m256i*)p, v);
+}
+static inline __m256i load_values(const int16_t* p) {
+    return _mm256_loadu_si256((const __m256i*)p);
+}
+static inline void store_values(int16_t* p, __m256i v) {
+    _mm256_storeu_si256((__m256i*)p, v);
+}
+static inline __m128i load16(const uint8_t* p) {
+    return _mm_loadu_si128((const __m128i*)p);
+}
+static inline void store16(uint8_t* p, __m128i v) {
+    _mm_storeu_si128((__m128i*)p, v);
+}
+
+// Two runs of 16 bytes, one in each half.
+static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(load16(low)), load16(high), 1);
+}
+
+static inline __m256i widen16(const uint8_t* p) {
+    return _mm256_cvtepu8_epi16(load16(p));
+}
+
+// Bytes of two vectors of 16 values in their order, each saturated to 0..255.
+static inline bytes32 pack_in_order(__m256i low, __m256i high) {
+    return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xd8);
+}
+
+// Weights of a pair of neighbouring bytes for _mm256_maddubs_epi16.
+static inline __m256i pair_weights(int first, int second) {
+    return _mm256_set1_epi16((short)(second * 256 + first));
+}
+
+// Stores the first 12 bytes of each half, 24 bytes in all.
+static inline void store_two_twelves(uint8_t* p, __m256i v) {
+    const __m128i low = _mm256_castsi256_si128(v), high = _mm256_extracti128_si256(v, 1);
+    store16(p, _mm_or_si128(low, _mm_slli_si128(high, 12)));
+    _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
+}
+
+// The operations of avx2_resample.cpp, as row_ops.h describes them.
+void avx2_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
+                   size_t bytes);
+void avx2_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
+                          uint8_t* __restrict dst, size_t pixels);
+void avx2_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
+void avx2_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
+
+#endif
