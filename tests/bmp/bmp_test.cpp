@@ -69,7 +69,8 @@ TEST(BmpWrite, BytesOfAFile) {
 TEST(BmpWrite, SizesWithoutPixels) {
     const folder where;
     const std::string path = where.file("empty.bmp");
-    const uint8_t pixel[4] = {};
+    // Where no pixel is there to be read.
+    const auto* const pixel = reinterpret_cast<const uint8_t*>(uintptr_t{1});
     for (const auto& [width, height] : {std::pair(0, 3), std::pair(3, 0), std::pair(-2, -3)}) {
         EXPECT_EQ(write_pixels(path, width, height, nullptr).status, 0);
         EXPECT_EQ(write_pixels(path, width, height, pixel).status, 0) << width;

@@ -88,7 +88,8 @@ found=$(faults "$library")
 [ -z "$found" ] || fail "$library:"$'\n'"$found"
 
 if [ $# -gt 4 ]; then
-    found=$(faults "$5")
+    # With one function more the file may need another page.
+    found=$(faults "$5" | grep -v '^size:')
     [[ $found == exports:*vorn_fifth* && $(wc -l <<<"$found") -eq 1 ]] ||
         fail "a fifth function gives, in place of one fault of the exports:"$'\n'"$found"
     found=$(faults "$6")
