@@ -234,6 +234,7 @@ static inline void store_48(uint8_t* dst, const __m256i values[3]) {
 static inline void merge_one(const uint8_t* row, const uint8_t* expanded, const uint8_t* result,
                              uint8_t* dst) {
     __m256i values[3];
+#pragma GCC unroll 3
     for (size_t k = 0; k < 48; k += 16) {
         const __m256i lap = _mm256_sub_epi16(widen16(row + k), widen16(expanded + k));
         values[k / 16] = _mm256_add_epi16(full_weight(lap), widen16(result + k));
@@ -243,6 +244,7 @@ static inline void merge_one(const uint8_t* row, const uint8_t* expanded, const 
 
 static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, uint8_t* dst) {
     __m256i values[3];
+#pragma GCC unroll 3
     for (size_t k = 0; k < 3; k++, i += 16) {
         const __m256i a = _mm256_sub_epi16(widen16(rows->src + i), widen16(rows->expanded_src + i));
         const __m256i b =
