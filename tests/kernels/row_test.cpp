@@ -264,6 +264,35 @@ TEST_P(Rows, OfEveryMaskAndValue) {
     }
 }
 
+// Where the mask is all 0 or all 255 one picture is enough: every difference, onto several results.
+TEST_P(Rows, MergeOfOnePicture) {
+    constexpr size_t values = 65536 / 3 * 3;
+    bytes picture(values), expanded(values), result(values), out(values);
+    for (size_t i = 0; i < values; ++i) {
+        picture[i] = static_cast<uint8_t>(i / 256);
+        expanded[i] = static_cast<uint8_t>(i);
+    }
+    const bytes other = naive::data(4, values, 9);
+    for (const int mask : {0, 255}) {
+        const bytes row(values / 3, static_cast<uint8_t>(mask));
+        for (const int base : {0, 1, 100, 128, 254, 255}) {
+            result.assign(values, static_cast<uint8_t>(base));
+            const bytes& src = mask == 255 ? picture : other;
+            const bytes& under = mask == 255 ? other : picture;
+            const bytes& expanded_src = mask == 255 ? expanded : other;
+            const bytes& expanded_under = mask == 255 ? other : expanded;
+            const merge_rows rows = {
+                row.data(),   src.data(), under.data(), expanded_src.data(), expanded_under.data(),
+                result.data()};
+            GetParam()->merge(&rows, out.data(), values / 3);
+            for (size_t i = 0; i < values; ++i) {
+                const int weighted = (255 * (picture[i] - expanded[i]) + 128) >> 8;
+                ASSERT_EQ(out[i], naive::collapsed(weighted, base)) << mask << " at " << i;
+            }
+        }
+    }
+}
+
 TEST_P(Rows, CollapseAndNarrowOfEveryWord) {
     words all(65536);
     for (int i = 0; i < 65536; ++i)
