@@ -137,11 +137,6 @@ static const uint8_t* zoom_mask(blend_call* call) {
     return call->zoomed_mask;
 }
 
-// The corner of the bare, zoomed box around the placement's centre.
-static int32_t corner_of(int32_t center, int32_t bare_size, float zoom) {
-    return float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
-}
-
 static int32_t blend_object(blend_call* call, const blend_image* icon, bool rotated,
                             const blend_image* destination, const blend_image* output,
                             int32_t center_x, int32_t center_y) {
@@ -157,8 +152,8 @@ static int32_t blend_object(blend_call* call, const blend_image* icon, bool rota
         fill = NULL;
     }
     return blend_region(source, destination, zoomed_mask, output,
-                        corner_of(center_x, call->bare_width, call->zoom),
-                        corner_of(center_y, call->bare_height, call->zoom), call->crop_width,
+                        zoomed_corner(center_x, call->bare_width, call->zoom),
+                        zoomed_corner(center_y, call->bare_height, call->zoom), call->crop_width,
                         call->crop_height, call->center_x - (rotated ? window->x_begin : 0),
                         call->center_y - (rotated ? window->y_begin : 0), call->level_zoom,
                         call->level_box, 0, call->zoom, fill);

@@ -3,6 +3,7 @@
 #define IMAGEBLEND_API_MASK_BOX_H
 
 #include "api/mask_view.h"
+#include "numeric.h"
 
 static inline int64_t extent_width(const mask_extent* e) {
     return e->xmax - e->xmin + 1;
@@ -15,6 +16,12 @@ static inline int64_t extent_height(const mask_extent* e) {
 typedef struct box_margins {
     int64_t left, top, right, bottom;
 } box_margins;
+
+// Where along one axis the bare box, scaled by `zoom`, starts when it is centred on `center`.
+// Single precision, size times zoom first.
+static inline int32_t zoomed_corner(int32_t center, int32_t bare_size, float zoom) {
+    return float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
+}
 
 box_margins margins_in_frame(const mask_extent* extent, int32_t width, int32_t height,
                              int32_t margin);

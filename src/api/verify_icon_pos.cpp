@@ -60,7 +60,7 @@ typedef struct axis_span {
 
 static axis_span place_axis(int32_t center, int32_t bare_size, int32_t zoomed_size, float zoom) {
     axis_span span;
-    span.near = float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
+    span.near = zoomed_corner(center, bare_size, zoom);
     span.far = zoomed_size + span.near - 1;
     return span;
 }

@@ -56,9 +56,8 @@ void* band_bundle_dst(void* bundle);
 // Pool tasks; each ends with pool_signal_done and returns null.
 //   band_bundle_prepare   rows of the source, before anything reads them
 //   band_bundle_build     both halves of the way down
-//   band_bundle_collapse  the way up: both Laplacian levels, their blend, and its sum with the
-//   coarser
-//                         result, for all fine rows that the band's coarse rows expand to
+//   band_bundle_collapse  the way up: both Laplacian levels, their blend and its sum with the
+//                         coarser result, for all fine rows of the band's coarse rows
 //   band_bundle_top       the coarsest level of all: blended and narrowed to bytes
 void* band_bundle_prepare(void* bundle);
 void* band_bundle_build(void* bundle);
