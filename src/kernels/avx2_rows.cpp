@@ -76,8 +76,8 @@ static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint
         const __m256i high = reduce_pairs(load(s + 32), load(s + 34), load(s + 36));
         store(dst + 1 + i, pack_in_order(low, high));
     });
-    reduce_range<1>(src, src_width, dst, dst_width, 0, 1);
-    reduce_range<1>(src, src_width, dst, dst_width, dst_width - 1, dst_width);
+    reduce_range_c1(src, src_width, dst, dst_width, 0, 1);
+    reduce_range_c1(src, src_width, dst, dst_width, dst_width - 1, dst_width);
 }
 
 // The outputs of two pixels in each half: lanes 0 to 5, the others hold nothing. `s` is the first
@@ -107,8 +107,8 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
         const bytes32 outputs = pack_in_order(reduce_pixels(s), reduce_pixels(s + 24));
         store_two_twelves(dst + 3 * (i + 1), _mm256_shuffle_epi8(outputs, close_up));
     });
-    reduce_range<3>(src, src_width, dst, dst_width, 0, 1);
-    reduce_range<3>(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_range_c3(src, src_width, dst, dst_width, 0, 1);
+    reduce_range_c3(src, src_width, dst, dst_width, dst_width - 2, dst_width);
 }
 
 // Ten source pixels a step, five in each half. A step reads 3 bytes before and 4 behind them, and

@@ -67,8 +67,8 @@ static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint
         (size_t)inner, 14,
         [=](size_t i) { return reduce_run(vld1q_u8(src + 2 * i), vld1q_u8(src + 2 * i + 16)); },
         [=](size_t i, bytes16 v) { vst1q_u8(dst + 1 + i, v); });
-    reduce_range<1>(src, src_width, dst, dst_width, 0, 1);
-    reduce_range<1>(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_range_c1(src, src_width, dst, dst_width, 0, 1);
+    reduce_range_c1(src, src_width, dst, dst_width, dst_width - 2, dst_width);
 }
 
 static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -82,8 +82,8 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
                                    reduce_run(first.val[2], second.val[2])}};
         vst3q_u8(dst + 3 * (i + 1), out);
     });
-    reduce_range<3>(src, src_width, dst, dst_width, 0, 1);
-    reduce_range<3>(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_range_c3(src, src_width, dst, dst_width, 0, 1);
+    reduce_range_c3(src, src_width, dst, dst_width, dst_width - 2, dst_width);
 }
 
 // Bytes of a run of five even and odd pixels in turn, 16 and 14 of them; the odd pixels' bytes are

@@ -15,9 +15,53 @@ static inline uint8_t expand2(int b, int c) {
 }
 
 template <int channels>
-static void reduce_row(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                       int32_t dst_width) {
-    reduce_range<channels>(src, src_width, dst, dst_width, 0, dst_width);
+static inline void reduce_range(const uint8_t* __restrict src, int32_t src_width,
+                                uint8_t* __restrict dst, int32_t dst_width, int32_t begin,
+                                int32_t end) {
+    const ptrdiff_t step = channels;
+    for (ptrdiff_t i = begin; i < end; i++) {
+        const ptrdiff_t left = i > 0 ? 2 * step : 0, near_left = i > 0 ? step : 0;
+        // At the far end the last sample is repeated where the source has no more to give.
+        const bool folds = i == dst_width - 1 && (int64_t)dst_width * 2 == src_width;
+        const ptrdiff_t right = folds ? step : 2 * step;
+        for (ptrdiff_t k = 0; k < step; k++) {
+            const uint8_t* s = src + 2 * i * step + k;
+            dst[i * step + k] = reduce5(s[-left], s[-near_left], s[0], s[step], s[right]);
+        }
+    }
+}
+
+void reduce_range_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                     int32_t dst_width, int32_t begin, int32_t end) {
+    reduce_range<3>(src, src_width, dst, dst_width, begin, end);
+}
+
+void reduce_range_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                     int32_t dst_width, int32_t begin, int32_t end) {
+    reduce_range<1>(src, src_width, dst, dst_width, begin, end);
+}
+
+void expand_range_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                     int32_t dst_width, int32_t begin, int32_t end) {
+    for (ptrdiff_t i = begin; i < end; i++) {
+        const ptrdiff_t left = i > 0 ? 3 : 0, right = i < src_width - 1 ? 3 : 0;
+        for (ptrdiff_t k = 0; k < 3; k++) {
+            const uint8_t* s = src + 3 * i + k;
+            dst[6 * i + k] = expand3(s[-left], s[0], s[right]);
+            dst[6 * i + 3 + k] = expand2(s[0], s[right]);
+            if (right == 0 && dst_width > 2 * (int64_t)src_width) dst[6 * i + 6 + k] = s[0];
+        }
+    }
+}
+
+static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    reduce_range_c3(src, src_width, dst, dst_width, 0, dst_width);
+}
+
+static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    reduce_range_c1(src, src_width, dst, dst_width, 0, dst_width);
 }
 
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -120,7 +164,7 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",    reduce_row<3>, reduce_row<1>,   expand_row_c3, reduce_column, expand_even,
+    "plain",    reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column, expand_even,
     expand_odd, subtract,      widen,           blend,         collapse,      merge,
     narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };
