@@ -218,30 +218,30 @@ static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restric
     });
 }
 
-// A Laplacian value under a full weight of 255: (255 v + 128) >> 8.
-static inline __m256i full_weight(__m256i v) {
-    const __m256i rest = _mm256_sub_epi16(_mm256_set1_epi16(128), v);
-    return _mm256_add_epi16(v, _mm256_srai_epi16(rest, 8));
+// 32 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
+// and gives one to those below -127. One of the two parts is 0, so each saturates by itself.
+static inline bytes32 merge_one(bytes32 row, bytes32 expanded, bytes32 result) {
+    const bytes32 above = _mm256_subs_epu8(row, expanded), below = _mm256_subs_epu8(expanded, row);
+    const bytes32 is_above =
+        _mm256_cmpeq_epi8(_mm256_max_epu8(above, _mm256_set1_epi8(-127)), above);
+    // The bit of 128 is the sign.
+    const bytes32 is_below = _mm256_cmpgt_epi8(_mm256_setzero_si256(), below);
+    const bytes32 gain = _mm256_add_epi8(above, is_above), loss = _mm256_add_epi8(below, is_below);
+    return _mm256_subs_epu8(_mm256_adds_epu8(result, gain), loss);
 }
 
-// 48 values as bytes in their order, saturated.
-static inline void store_48(uint8_t* dst, const __m256i values[3]) {
-    store(dst, pack_in_order(values[0], values[1]));
-    store16(dst + 32, _mm256_castsi256_si128(pack_in_order(values[2], values[2])));
+// 32 pixels where the mask is all 0 or all 255: only one picture counts.
+static inline void merge_one_run(const uint8_t* row, const uint8_t* expanded, const uint8_t* result,
+                                 uint8_t* dst) {
+    const bytes32 first = merge_one(load(row), load(expanded), load(result));
+    const bytes32 second = merge_one(load(row + 32), load(expanded + 32), load(result + 32));
+    const bytes32 third = merge_one(load(row + 64), load(expanded + 64), load(result + 64));
+    store(dst, first);
+    store(dst + 32, second);
+    store(dst + 64, third);
 }
 
-// 16 pixels where the mask is all 0 or all 255: only one picture counts.
-static inline void merge_one(const uint8_t* row, const uint8_t* expanded, const uint8_t* result,
-                             uint8_t* dst) {
-    __m256i values[3];
-#pragma GCC unroll 3
-    for (size_t k = 0; k < 48; k += 16) {
-        const __m256i lap = _mm256_sub_epi16(widen16(row + k), widen16(expanded + k));
-        values[k / 16] = _mm256_add_epi16(full_weight(lap), widen16(result + k));
-    }
-    store_48(dst, values);
-}
-
+// 16 pixels of any mask.
 static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, uint8_t* dst) {
     __m256i values[3];
 #pragma GCC unroll 3
@@ -252,23 +252,29 @@ static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, ui
         const __m256i blended = blend_values(mask_triples(mask, k), a, b);
         values[k] = _mm256_add_epi16(blended, widen16(rows->expanded_result + i));
     }
-    store_48(dst, values);
+    store(dst, pack_in_order(values[0], values[1]));
+    store16(dst + 32, _mm256_castsi256_si128(pack_in_order(values[2], values[2])));
 }
 
 static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
-    if (pixels < 16) return plain_rows.merge(rows, dst, pixels);
+    if (pixels < 32) return plain_rows.merge(rows, dst, pixels);
     const merge_rows r = *rows;
-    for_each_vector(pixels, 16, [&r, dst](size_t p) {
-        const __m128i mask = load16(r.mask + p);
+    // The step stands in the code once: it is long.
+    const size_t last = pixels - 32;
+    for (size_t p = 0;;) {
+        const bytes32 mask = load(r.mask + p);
         const size_t i = 3 * p;
-        if (_mm_test_all_zeros(mask, mask)) {
-            merge_one(r.under + i, r.expanded_under + i, r.expanded_result + i, dst + i);
-        } else if (_mm_test_all_ones(mask)) {
-            merge_one(r.src + i, r.expanded_src + i, r.expanded_result + i, dst + i);
+        if (_mm256_testz_si256(mask, mask)) {
+            merge_one_run(r.under + i, r.expanded_under + i, r.expanded_result + i, dst + i);
+        } else if (_mm256_testc_si256(mask, _mm256_set1_epi8(-1))) {
+            merge_one_run(r.src + i, r.expanded_src + i, r.expanded_result + i, dst + i);
         } else {
-            merge_both(mask, &r, i, dst + i);
+            merge_both(_mm256_castsi256_si128(mask), &r, i, dst + i);
+            merge_both(_mm256_extracti128_si256(mask, 1), &r, i + 48, dst + i + 48);
         }
-    });
+        if (p == last) return;
+        p = p + 32 < last ? p + 32 : last;
+    }
 }
 
 static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
