@@ -1,8 +1,9 @@
-"""arm-cycles.py LLVM_MCA NEON_ROWS_ASM: the cycles of every loop of the row operations.
+"""arm-cycles.py LLVM_MCA ASSEMBLY...: the cycles of every loop of the row operations.
 
 A loop is a way round in the flow of a function that stores through a vector register. Its pixels
 follow from the bytes that it stores, so that the compiler may unroll as it likes.
 """
+import pathlib
 import re
 import subprocess
 import sys
@@ -26,7 +27,8 @@ LANE_BYTES = {"b": 1, "h": 2, "s": 4, "d": 8}
 
 def function_lines(assembly, name):
     """Labels and instructions of the function."""
-    body = re.search(rf"^_ZL{len(name)}{name}P\w*:.*?^\s+\.size", assembly, re.M | re.S)
+    mangled = rf"_Z(L{len(name)}|{len(name) + 5}neon_){name}P\w*"
+    body = re.search(rf"^{mangled}:.*?^\s+\.size", assembly, re.M | re.S)
     if not body:
         sys.exit(f"arm-cycles.py: {name} is not in the assembly")
     lines = [re.sub(r"\s*//.*", "", line) for line in body.group(0).split("\n")[1:]]
@@ -113,9 +115,8 @@ def row(mca, title, unit, code):
 
 
 def main():
-    mca, path = sys.argv[1:]
-    with open(path, encoding="utf-8") as source:
-        assembly = source.read()
+    mca, *paths = sys.argv[1:]
+    assembly = "\n".join(pathlib.Path(path).read_text(encoding="utf-8") for path in paths)
     print("| operation | pixels a step | instructions | A55 | loads and stores | A76 "
           "| loads and stores | with |")
     print("|---|--:|--:|--:|--:|--:|--:|---|")

@@ -9,7 +9,8 @@ CXX=${CXX:-aarch64-linux-gnu-g++}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # As the release build, less what adds no instruction to a loop.
+cd "$work"
 $CXX -std=c++17 -O3 -fno-unroll-loops -fPIC -fno-exceptions -fno-rtti -fno-threadsafe-statics \
-    -fno-asynchronous-unwind-tables -I"$root/src" -S "$root/src/kernels/neon_rows.cpp" \
-    -o "$work/neon_rows.s"
-python3 "$root/scripts/arm-cycles.py" llvm-mca-19 "$work/neon_rows.s"
+    -fno-asynchronous-unwind-tables -I"$root/src" -S \
+    "$root/src/kernels/neon_rows.cpp" "$root/src/kernels/neon_resample.cpp"
+python3 "$root/scripts/arm-cycles.py" llvm-mca-19 neon_rows.s neon_resample.s

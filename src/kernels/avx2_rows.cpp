@@ -1,5 +1,5 @@
-// The row operations in 256-bit vectors of x86-64. Built with the compiler's AVX2 option; nothing
-// here runs before avx2_rows has asked the processor.
+// The row operations in 256-bit vectors of x86-64. Built with the compiler's AVX2 option;
+// x86_rows.cpp asks the processor before anything here runs.
 //
 // Rows of a vector and more end with one vector that overlaps the one before it, so no element is
 // handled alone; shorter rows take the plain operations.
@@ -7,22 +7,20 @@
 
 #if defined(__AVX2__)
 
-#include <cpuid.h>
-
 #include "kernels/avx2_vectors.h"
 
-// Averages rounding down and up.
 static inline bytes32 average_up(bytes32 a, bytes32 b) {
     return _mm256_avg_epu8(a, b);
 }
-static inline bytes32 average_down(bytes32 a, bytes32 b) {
-    const bytes32 odd = _mm256_and_si256(_mm256_xor_si256(a, b), _mm256_set1_epi8(1));
-    return _mm256_sub_epi8(_mm256_avg_epu8(a, b), odd);
+static inline bytes32 invert(bytes32 v) {
+    return _mm256_xor_si256(v, _mm256_set1_epi8(-1));
 }
 
-// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step.
+// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step. The mean of
+// inverted values is an inverted mean that is rounded down.
 static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
-    return average_up(b, average_down(b, average_down(a, c)));
+    const bytes32 ac = average_up(invert(a), invert(c));
+    return average_up(b, invert(average_up(invert(b), ac)));
 }
 
 static inline __m256i weigh(bytes32 pairs, int first, int second) {
@@ -36,7 +34,7 @@ static inline __m256i reduce_pairs(bytes32 p01, bytes32 p23, bytes32 p4) {
     return _mm256_srli_epi16(sum, 4);
 }
 
-static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
+void avx2_reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
     if (bytes < 32) return plain_rows.reduce_column(taps, dst, bytes);
     for_each_vector(bytes, 32, [=](size_t i) {
         const bytes32 t0 = load(taps[0] + i), t1 = load(taps[1] + i), t2 = load(taps[2] + i);
@@ -50,15 +48,15 @@ static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst,
     });
 }
 
-static void expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c,
-                        uint8_t* __restrict dst, size_t bytes) {
+void avx2_expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst,
+                      size_t bytes) {
     if (bytes < 32) return plain_rows.expand_even(a, b, c, dst, bytes);
     for_each_vector(bytes, 32, [=](size_t i) {
         store(dst + i, even_phase(load(a + i), load(b + i), load(c + i)));
     });
 }
 
-static void expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes) {
+void avx2_expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes) {
     if (bytes < 32) return plain_rows.expand_odd(b, c, dst, bytes);
     for_each_vector(bytes, 32,
                     [=](size_t i) { store(dst + i, average_up(load(b + i), load(c + i))); });
@@ -66,8 +64,8 @@ static void expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict d
 
 // 32 outputs a step. Output i + 1 is centred on sample 2i + 2; the reads of a step end three
 // samples behind its last centre, so the last output is left to the edge.
-static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
+void avx2_reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width) {
     const int32_t inner = dst_width - 2;
     if (inner < 32) return plain_rows.reduce_row_c1(src, src_width, dst, dst_width);
     for_each_vector((size_t)inner, 32, [=](size_t i) {
@@ -76,8 +74,7 @@ static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint
         const __m256i high = reduce_pairs(load(s + 32), load(s + 34), load(s + 36));
         store(dst + 1 + i, pack_in_order(low, high));
     });
-    reduce_range_c1(src, src_width, dst, dst_width, 0, 1);
-    reduce_range_c1(src, src_width, dst, dst_width, dst_width - 1, dst_width);
+    reduce_ends_c1(src, src_width, dst, dst_width, dst_width - 1);
 }
 
 // The outputs of two pixels in each half: lanes 0 to 5, the others hold nothing. `s` is the first
@@ -107,24 +104,60 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
         const bytes32 outputs = pack_in_order(reduce_pixels(s), reduce_pixels(s + 24));
         store_two_twelves(dst + 3 * (i + 1), _mm256_shuffle_epi8(outputs, close_up));
     });
-    reduce_range_c3(src, src_width, dst, dst_width, 0, 1);
-    reduce_range_c3(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_ends_c3(src, src_width, dst, dst_width, dst_width - 2);
 }
 
-// Ten source pixels a step, five in each half. A step reads 3 bytes before and 4 behind them, and
-// writes two bytes behind its outputs, which the next step or the edge overwrites.
+// Five even and five odd pixels in turn, 30 bytes: where bytes 0..15 and bytes 14..29 of them come
+// from, among the even ones and among the odd ones; NO takes nothing.
+enum { NO = 0x80 };
+static const uint8_t turn_even[2][16] = {
+    {0, 1, 2, NO, NO, NO, 3, 4, 5, NO, NO, NO, 6, 7, 8, NO},
+    {8, NO, NO, NO, 9, 10, 11, NO, NO, NO, 12, 13, 14, NO, NO, NO},
+};
+static const uint8_t turn_odd[2][16] = {
+    {NO, NO, NO, 0, 1, 2, NO, NO, NO, 3, 4, 5, NO, NO, NO, 6},
+    {NO, 6, 7, 8, NO, NO, NO, 9, 10, 11, NO, NO, NO, 12, 13, 14},
+};
+
+// The outputs of five source pixels, 30 bytes: b holds them, a the pixels before and c those
+// behind.
+static inline void expand_five(__m128i a, __m128i b, __m128i c, uint8_t* dst) {
+    const __m128i odd = _mm_avg_epu8(b, c);
+    const __m128i even = _mm256_castsi256_si128(even_phase(
+        _mm256_castsi128_si256(a), _mm256_castsi128_si256(b), _mm256_castsi128_si256(c)));
+    for (int k = 0; k < 2; k++) {
+        store16(dst + 14 * k, _mm_or_si128(_mm_shuffle_epi8(even, load16(turn_even[k])),
+                                           _mm_shuffle_epi8(odd, load16(turn_odd[k]))));
+    }
+}
+
+// The first five and the last five pixels, where neighbours repeat; src_width >= 6.
+void avx2_expand_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                         int32_t dst_width) {
+    const __m128i repeat_first = _mm_setr_epi8(0, 1, 2, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12);
+    const __m128i repeat_last =
+        _mm_setr_epi8(3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 12, 13, 14, 15);
+    const __m128i first = load16(src);
+    expand_five(_mm_shuffle_epi8(first, repeat_first), first, load16(src + 3), dst);
+    // Sixteen bytes that end with the row; the first belongs to no pixel of the five.
+    const uint8_t* s = src + 3 * (ptrdiff_t)src_width - 16;
+    const __m128i last = _mm_srli_si128(load16(s), 1);
+    expand_five(load16(s - 2), last, _mm_shuffle_epi8(last, repeat_last),
+                dst + 6 * ((ptrdiff_t)src_width - 5));
+    expand_surplus_c3(src, src_width, dst, dst_width);
+}
+
+static inline bytes32 both_halves(const uint8_t* p) {
+    return _mm256_broadcastsi128_si256(load16(p));
+}
+
+// Ten source pixels a step, five in each half. A step reads 3 bytes before and 4 behind them.
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 3;
     if (inner < 10) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
-    const __m256i even_first = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(0, 1, 2, -1, -1, -1, 3, 4, 5, -1, -1, -1, 6, 7, 8, -1));
-    const __m256i odd_first = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(-1, -1, -1, 0, 1, 2, -1, -1, -1, 3, 4, 5, -1, -1, -1, 6));
-    const __m256i even_second = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(-1, -1, 9, 10, 11, -1, -1, -1, 12, 13, 14, -1, -1, -1, -1, -1));
-    const __m256i odd_second = _mm256_broadcastsi128_si256(
-        _mm_setr_epi8(7, 8, -1, -1, -1, 9, 10, 11, -1, -1, -1, 12, 13, 14, -1, -1));
+    const bytes32 even_first = both_halves(turn_even[0]), even_last = both_halves(turn_even[1]);
+    const bytes32 odd_first = both_halves(turn_odd[0]), odd_last = both_halves(turn_odd[1]);
     for_each_vector((size_t)inner, 10, [=](size_t i) {
         const uint8_t* s = src + 3 * (i + 1);
         const bytes32 b = load_halves(s, s + 15), c = load_halves(s + 3, s + 18);
@@ -132,26 +165,25 @@ static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
         const bytes32 odd = average_up(b, c);
         const bytes32 first = _mm256_or_si256(_mm256_shuffle_epi8(even, even_first),
                                               _mm256_shuffle_epi8(odd, odd_first));
-        const bytes32 second = _mm256_or_si256(_mm256_shuffle_epi8(even, even_second),
-                                               _mm256_shuffle_epi8(odd, odd_second));
+        const bytes32 last = _mm256_or_si256(_mm256_shuffle_epi8(even, even_last),
+                                             _mm256_shuffle_epi8(odd, odd_last));
         uint8_t* out = dst + 6 * (i + 1);
         store16(out, _mm256_castsi256_si128(first));
-        store16(out + 16, _mm256_castsi256_si128(second));
+        store16(out + 14, _mm256_castsi256_si128(last));
         store16(out + 30, _mm256_extracti128_si256(first, 1));
-        store16(out + 46, _mm256_extracti128_si256(second, 1));
+        store16(out + 44, _mm256_extracti128_si256(last, 1));
     });
-    expand_range_c3(src, src_width, dst, dst_width, 0, 1);
-    expand_range_c3(src, src_width, dst, dst_width, src_width - 2, src_width);
+    avx2_expand_ends_c3(src, src_width, dst, dst_width);
 }
 
-static void subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
+void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
     if (count < 16) return plain_rows.subtract(a, b, dst, count);
     for_each_vector(count, 16, [=](size_t i) {
         store_values(dst + i, _mm256_sub_epi16(widen16(a + i), widen16(b + i)));
     });
 }
 
-static void widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
+void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
     if (count < 16) return plain_rows.widen(src, dst, count);
     for_each_vector(count, 16, [=](size_t i) { store_values(dst + i, widen16(src + i)); });
 }
@@ -196,8 +228,8 @@ static inline void store_pixels(int16_t* dst, const blended_pixels* pixels) {
 }
 
 // The output may be an input: the last pixels are computed before any is stored.
-static void blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                  size_t pixels) {
+void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                size_t pixels) {
     if (pixels < 16) return plain_rows.blend(mask, a, b, dst, pixels);
     const size_t last = pixels - 16;
     const blended_pixels tail = blend_pixels(mask + last, a + 3 * last, b + 3 * last);
@@ -208,8 +240,7 @@ static void blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16
     store_pixels(dst + 3 * last, &tail);
 }
 
-static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
-                     size_t count) {
+void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count) {
     if (count < 32) return plain_rows.collapse(lap, base, dst, count);
     for_each_vector(count, 32, [=](size_t i) {
         const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
@@ -256,7 +287,7 @@ static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, ui
     store16(dst + 32, _mm256_castsi256_si128(pack_in_order(values[2], values[2])));
 }
 
-static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+void avx2_merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     if (pixels < 32) return plain_rows.merge(rows, dst, pixels);
     const merge_rows r = *rows;
     // The step stands in the code once: it is long.
@@ -277,7 +308,7 @@ static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels
     }
 }
 
-static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
+void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
     if (count < 32) return plain_rows.narrow(src, dst, count);
     const __m256i low_byte = _mm256_set1_epi16(255);
     for_each_vector(count, 32, [=](size_t i) {
@@ -286,83 +317,19 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
     });
 }
 
-static const row_ops table = {
-    "avx2",        reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column,
-    expand_even,   expand_odd,      subtract,      widen,         blend,
-    collapse,      merge,           narrow,        avx2_mix_rows, avx2_resample_row_c3,
-    avx2_pack_rgb, avx2_unpack_rgb,
-};
-
-static void wide_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width,
-                               uint8_t* __restrict dst, int32_t dst_width) {
-    avx512_filters()->reduce_row_c3(src, src_width, dst, dst_width);
-}
-
-static void wide_expand_row_c3(const uint8_t* __restrict src, int32_t src_width,
-                               uint8_t* __restrict dst, int32_t dst_width) {
-    avx512_filters()->expand_row_c3(src, src_width, dst, dst_width);
-}
-
-static const row_ops wide_table = {
-    "avx512",
-    wide_reduce_row_c3,
-    reduce_row_c1,
-    wide_expand_row_c3,
-    reduce_column,
-    expand_even,
-    expand_odd,
-    subtract,
-    widen,
-    blend,
-    collapse,
-    merge,
-    narrow,
-    avx2_mix_rows,
-    avx2_resample_row_c3,
-    avx2_pack_rgb,
-    avx2_unpack_rgb,
-};
-
-enum { HAS_NOTHING = 1, HAS_AVX2 = 2, HAS_AVX512 = 3 };
-
-// Asks the processor which vectors it has, and whether the system keeps them across a switch.
-static int32_t ask_machine(void) {
-    unsigned a, b, c, d, kept, high;
-    if (!__get_cpuid(1, &a, &b, &c, &d) || (c & bit_OSXSAVE) == 0) return HAS_NOTHING;
-    __asm__("xgetbv" : "=a"(kept), "=d"(high) : "c"(0));
-    if ((kept & 0x6) != 0x6 || !__get_cpuid_count(7, 0, &a, &b, &c, &d) || (b & bit_AVX2) == 0) {
-        return HAS_NOTHING;
-    }
-    const unsigned wide = bit_AVX512F | bit_AVX512BW | bit_AVX512VL;
-    const bool has_wide = (kept & 0xe6) == 0xe6 && (b & wide) == wide && (c & bit_AVX512VBMI) != 0;
-    return has_wide ? HAS_AVX512 : HAS_AVX2;
-}
-
-// The question takes microseconds in a virtual machine, so the answer is kept.
-static int32_t machine_has(void) {
-    static int32_t answer = 0;
-    int32_t known = __atomic_load_n(&answer, __ATOMIC_RELAXED);
-    if (known == 0) {
-        known = ask_machine();
-        __atomic_store_n(&answer, known, __ATOMIC_RELAXED);
-    }
-    return known;
-}
-
-const row_ops* avx2_rows(void) {
-    return machine_has() >= HAS_AVX2 ? &table : NULL;
-}
-
-const row_ops* avx512_rows(void) {
-    return machine_has() >= HAS_AVX512 && avx512_filters() != NULL ? &wide_table : NULL;
+const row_ops* avx2_table(void) {
+    static const row_ops table = {
+        "avx2",           reduce_row_c3,   avx2_reduce_row_c1, expand_row_c3, avx2_reduce_column,
+        avx2_expand_even, avx2_expand_odd, avx2_subtract,      avx2_widen,    avx2_blend,
+        avx2_collapse,    avx2_merge,      avx2_narrow,        avx2_mix_rows, avx2_resample_row_c3,
+        avx2_pack_rgb,    avx2_unpack_rgb,
+    };
+    return &table;
 }
 
 #else
 
-const row_ops* avx2_rows(void) {
-    return NULL;
-}
-const row_ops* avx512_rows(void) {
+const row_ops* avx2_table(void) {
     return NULL;
 }
 

@@ -53,12 +53,31 @@ static inline void store_two_twelves(uint8_t* p, __m256i v) {
     _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
 }
 
-// The operations of avx2_resample.cpp, as row_ops.h describes them.
+// Operations of avx2_rows.cpp and avx2_resample.cpp, as row_ops.h describes them. Most serve the
+// table for wider vectors too.
+void avx2_reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width);
+void avx2_reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
+void avx2_expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst,
+                      size_t bytes);
+void avx2_expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes);
+void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count);
+void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count);
+void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                size_t pixels);
+void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count);
+void avx2_merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
 void avx2_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
                    size_t bytes);
 void avx2_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
                           uint8_t* __restrict dst, size_t pixels);
 void avx2_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
 void avx2_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
+
+// What an expansion leaves to the edges: the first five and the last five source pixels and the
+// surplus pixel, src_width >= 6.
+void avx2_expand_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                         int32_t dst_width);
 
 #endif

@@ -10,11 +10,11 @@
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
 #endif
 
-#include <immintrin.h>
+#include "kernels/avx2_vectors.h"
 
 typedef __m512i bytes64;
 
-static inline bytes64 load(const uint8_t* p) {
+static inline bytes64 load64(const uint8_t* p) {
     return _mm512_loadu_si512(p);
 }
 
@@ -59,56 +59,62 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
                           int32_t dst_width) {
     const int32_t inner = dst_width - 2;
     if (inner < 10) return plain_rows.reduce_row_c3(src, src_width, dst, dst_width);
-    const bytes64 first = load(pairs.at), next = load(next_pairs.at);
+    const bytes64 first = load64(pairs.at), next = load64(next_pairs.at);
     for_each_vector((size_t)inner, 10, [=](size_t i) {
         const uint8_t* s = src + 6 * (i + 1);
-        const bytes64 here = load(s);
+        const bytes64 here = load64(s);
         const __m512i outer =
-            _mm512_add_epi16(weigh(_mm512_permutexvar_epi8(first, load(s - 6)), 1, 4),
+            _mm512_add_epi16(weigh(_mm512_permutexvar_epi8(first, load64(s - 6)), 1, 4),
                              weigh(_mm512_permutexvar_epi8(next, here), 1, 0));
         const __m512i sum =
             _mm512_add_epi16(outer, weigh(_mm512_permutexvar_epi8(first, here), 6, 4));
         const __m512i rounded = _mm512_srli_epi16(_mm512_add_epi16(sum, _mm512_set1_epi16(8)), 4);
         _mm256_mask_storeu_epi8(dst + 3 * (i + 1), 0x3fffffff, _mm512_cvtepi16_epi8(rounded));
     });
-    reduce_range_c3(src, src_width, dst, dst_width, 0, 1);
-    reduce_range_c3(src, src_width, dst, dst_width, dst_width - 1, dst_width);
+    reduce_ends_c3(src, src_width, dst, dst_width, dst_width - 1);
 }
 
-static inline bytes64 average_down(bytes64 a, bytes64 b) {
-    const bytes64 odd = _mm512_and_si512(_mm512_xor_si512(a, b), _mm512_set1_epi8(1));
-    return _mm512_sub_epi8(_mm512_avg_epu8(a, b), odd);
+// As in avx2_rows.cpp.
+static inline bytes64 even_phase(bytes64 a, bytes64 b, bytes64 c) {
+    const bytes64 ones = _mm512_set1_epi8(-1);
+    const bytes64 ac = _mm512_avg_epu8(_mm512_xor_si512(a, ones), _mm512_xor_si512(c, ones));
+    const bytes64 mean = _mm512_avg_epu8(_mm512_xor_si512(b, ones), ac);
+    return _mm512_avg_epu8(b, _mm512_xor_si512(mean, ones));
 }
 
-// Twenty source pixels a step, as avx2_rows.cpp computes them. A step reads nine bytes behind its
+// Twenty source pixels a step. A step reads nine bytes behind its
 // last pixel, which leaves the last three to the edge.
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 4;
     if (inner < 20) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
-    const bytes64 low = load(expanded_low.at), high = load(expanded_high.at);
+    const bytes64 low = load64(expanded_low.at), high = load64(expanded_high.at);
     for_each_vector((size_t)inner, 20, [=](size_t i) {
         const uint8_t* s = src + 3 * (i + 1);
-        const bytes64 b = load(s), c = load(s + 3);
-        const bytes64 even = _mm512_avg_epu8(b, average_down(b, average_down(load(s - 3), c)));
+        const bytes64 b = load64(s), c = load64(s + 3);
+        const bytes64 even = even_phase(load64(s - 3), b, c);
         const bytes64 odd = _mm512_avg_epu8(b, c);
         uint8_t* out = dst + 6 * (i + 1);
         _mm512_storeu_si512(out, _mm512_permutex2var_epi8(even, low, odd));
         _mm512_mask_storeu_epi8(out + 64, 0x00ffffffffffffff,
                                 _mm512_permutex2var_epi8(even, high, odd));
     });
-    expand_range_c3(src, src_width, dst, dst_width, 0, 1);
-    expand_range_c3(src, src_width, dst, dst_width, src_width - 3, src_width);
+    avx2_expand_ends_c3(src, src_width, dst, dst_width);
 }
 
-const wide_filters* avx512_filters(void) {
-    static const wide_filters filters = {reduce_row_c3, expand_row_c3};
-    return &filters;
+const row_ops* avx512_table(void) {
+    static const row_ops table = {
+        "avx512",         reduce_row_c3,   avx2_reduce_row_c1, expand_row_c3, avx2_reduce_column,
+        avx2_expand_even, avx2_expand_odd, avx2_subtract,      avx2_widen,    avx2_blend,
+        avx2_collapse,    avx2_merge,      avx2_narrow,        avx2_mix_rows, avx2_resample_row_c3,
+        avx2_pack_rgb,    avx2_unpack_rgb,
+    };
+    return &table;
 }
 
 #else
 
-const wide_filters* avx512_filters(void) {
+const row_ops* avx512_table(void) {
     return NULL;
 }
 

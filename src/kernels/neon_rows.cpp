@@ -67,8 +67,7 @@ static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint
         (size_t)inner, 14,
         [=](size_t i) { return reduce_run(vld1q_u8(src + 2 * i), vld1q_u8(src + 2 * i + 16)); },
         [=](size_t i, bytes16 v) { vst1q_u8(dst + 1 + i, v); });
-    reduce_range_c1(src, src_width, dst, dst_width, 0, 1);
-    reduce_range_c1(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_ends_c1(src, src_width, dst, dst_width, dst_width - 2);
 }
 
 static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -82,38 +81,59 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
                                    reduce_run(first.val[2], second.val[2])}};
         vst3q_u8(dst + 3 * (i + 1), out);
     });
-    reduce_range_c3(src, src_width, dst, dst_width, 0, 1);
-    reduce_range_c3(src, src_width, dst, dst_width, dst_width - 2, dst_width);
+    reduce_ends_c3(src, src_width, dst, dst_width, dst_width - 2);
 }
 
-// Bytes of a run of five even and odd pixels in turn, 16 and 14 of them; the odd pixels' bytes are
-// numbered from 16, and 255 stands for nothing.
-static const uint8_t pixels_in_turn[32] = {
-    0,  1,  2, 16, 17, 18, 3,  4,  5,  19, 20, 21, 6,  7,  8,   22,
-    23, 24, 9, 10, 11, 25, 26, 27, 12, 13, 14, 28, 29, 30, 255, 255,
+// Bytes 0..15 and bytes 14..29 of five even and five odd pixels in turn; the odd pixels' bytes are
+// numbered from 16.
+static const uint8_t pixels_in_turn[2][16] = {
+    {0, 1, 2, 16, 17, 18, 3, 4, 5, 19, 20, 21, 6, 7, 8, 22},
+    {8, 22, 23, 24, 9, 10, 11, 25, 26, 27, 12, 13, 14, 28, 29, 30},
 };
 
-// Five source pixels a step, whose channels need no separation: neighbours are three bytes apart.
-// A step reads 3 bytes before and 4 behind them, and writes two bytes behind its outputs, which the
-// next step or the edge overwrites.
+// The outputs of five source pixels, 30 bytes: b holds them, a the pixels before and c those
+// behind. Their channels need no separation, as neighbours are three bytes apart.
+static inline uint8x16x2_t expand_five(bytes16 a, bytes16 b, bytes16 c) {
+    const uint8x16x2_t phases = {{even_phase(a, b, c), vrhaddq_u8(b, c)}};
+    const uint8x16x2_t out = {{vqtbl2q_u8(phases, vld1q_u8(pixels_in_turn[0])),
+                               vqtbl2q_u8(phases, vld1q_u8(pixels_in_turn[1]))}};
+    return out;
+}
+
+static inline void store_five(uint8_t* dst, uint8x16x2_t v) {
+    vst1q_u8(dst, v.val[0]);
+    vst1q_u8(dst + 14, v.val[1]);
+}
+
+// The first five and the last five pixels, where neighbours repeat.
+static void expand_ends_c3(const uint8_t* __restrict src, int32_t src_width,
+                           uint8_t* __restrict dst, int32_t dst_width) {
+    static const uint8_t repeat_first[16] = {0, 1, 2, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12};
+    static const uint8_t repeat_last[16] = {3,  4,  5,  6,  7,  8,  9,  10,
+                                            11, 12, 13, 14, 12, 13, 14, 15};
+    const bytes16 first = vld1q_u8(src);
+    store_five(dst,
+               expand_five(vqtbl1q_u8(first, vld1q_u8(repeat_first)), first, vld1q_u8(src + 3)));
+    // Sixteen bytes that end with the row; the first belongs to no pixel of the five.
+    const uint8_t* s = src + 3 * (ptrdiff_t)src_width - 16;
+    const bytes16 last = vextq_u8(vld1q_u8(s), vdupq_n_u8(0), 1);
+    store_five(dst + 6 * ((ptrdiff_t)src_width - 5),
+               expand_five(vld1q_u8(s - 2), last, vqtbl1q_u8(last, vld1q_u8(repeat_last))));
+    expand_surplus_c3(src, src_width, dst, dst_width);
+}
+
+// Five source pixels a run, which reads 3 bytes before and 4 behind them.
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 3;
     if (inner < 5) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
-    const bytes16 first = vld1q_u8(pixels_in_turn), second = vld1q_u8(pixels_in_turn + 16);
-    const auto pixels_at = [=](size_t i) {
-        const uint8_t* s = src + 3 * (i + 1);
-        const bytes16 b = vld1q_u8(s), c = vld1q_u8(s + 3);
-        const uint8x16x2_t phases = {{even_phase(vld1q_u8(s - 3), b, c), vrhaddq_u8(b, c)}};
-        const uint8x16x2_t out = {{vqtbl2q_u8(phases, first), vqtbl2q_u8(phases, second)}};
-        return out;
-    };
-    for_each_pair((size_t)inner, 5, pixels_at, [=](size_t i, uint8x16x2_t v) {
-        vst1q_u8(dst + 6 * (i + 1), v.val[0]);
-        vst1q_u8(dst + 6 * (i + 1) + 16, v.val[1]);
-    });
-    expand_range_c3(src, src_width, dst, dst_width, 0, 1);
-    expand_range_c3(src, src_width, dst, dst_width, src_width - 2, src_width);
+    for_each_pair((size_t)inner, 5,
+                  [=](size_t i) {
+                      const uint8_t* s = src + 3 * (i + 1);
+                      return expand_five(vld1q_u8(s - 3), vld1q_u8(s), vld1q_u8(s + 3));
+                  },
+                  [=](size_t i, uint8x16x2_t v) { store_five(dst + 6 * (i + 1), v); });
+    expand_ends_c3(src, src_width, dst, dst_width);
 }
 
 static void subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
@@ -304,80 +324,11 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
     });
 }
 
-// ((128 - weight) a + weight b + 64) >> 7; the sum is at most 128 * 255. `first` is 128 - weight.
-static inline bytes16 mix(bytes16 a, bytes16 b, bytes16 first, bytes16 second) {
-    const uint16x8_t low =
-        vmlal_u8(vmull_u8(vget_low_u8(a), vget_low_u8(first)), vget_low_u8(b), vget_low_u8(second));
-    const uint16x8_t high = vmlal_high_u8(vmull_high_u8(a, first), b, second);
-    return vrshrn_high_n_u16(vrshrn_n_u16(low, 7), high, 7);
-}
-
-static void mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
-                     size_t bytes) {
-    if (bytes < 16) return plain_rows.mix_rows(s0, s1, weight, dst, bytes);
-    const bytes16 first = vdupq_n_u8((uint8_t)(128 - weight)), second = vdupq_n_u8((uint8_t)weight);
-    write_bytes(dst, bytes,
-                [=](size_t i) { return mix(vld1q_u8(s0 + i), vld1q_u8(s1 + i), first, second); });
-}
-
-// Positions in two vectors that hold two taps each: the first pixel of each tap's eight bytes, the
-// second one, and the weight of each record, the lowest byte of its second half.
-static const uint8_t tap_first[16] = {0,  1,  2,  8,  9,   10,  16,  17,
-                                      18, 24, 25, 26, 255, 255, 255, 255};
-static const uint8_t tap_second[16] = {3,  4,  5,  11, 12,  13,  19,  20,
-                                       21, 27, 28, 29, 255, 255, 255, 255};
-static const uint8_t tap_weight[16] = {4,  4,  4,  12, 12,  12,  20,  20,
-                                       20, 28, 28, 28, 255, 255, 255, 255};
-
-static inline bytes16 load_two_taps(const uint8_t* src, const row_tap* taps) {
-    return vcombine_u8(vld1_u8(src + 3 * (ptrdiff_t)taps[0].sample),
-                       vld1_u8(src + 3 * (ptrdiff_t)taps[1].sample));
-}
-
-// Four pixels a run, 12 bytes.
-static void resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
-                            uint8_t* __restrict dst, size_t pixels) {
-    if (pixels < 4) return plain_rows.resample_row_c3(src, taps, dst, pixels);
-    const bytes16 first = vld1q_u8(tap_first), second = vld1q_u8(tap_second);
-    const bytes16 weight = vld1q_u8(tap_weight), full = vdupq_n_u8(128);
-    const auto pixels_at = [=](size_t p) {
-        const row_tap* t = taps + p;
-        const uint8x16x2_t samples = {{load_two_taps(src, t), load_two_taps(src, t + 2)}};
-        const uint8x16x2_t records = {
-            {vld1q_u8((const uint8_t*)t), vld1q_u8((const uint8_t*)(t + 2))}};
-        const bytes16 weights = vqtbl2q_u8(records, weight);
-        return mix(vqtbl2q_u8(samples, first), vqtbl2q_u8(samples, second), vsubq_u8(full, weights),
-                   weights);
-    };
-    for_each_pair(pixels, 4, pixels_at, [=](size_t p, bytes16 v) {
-        vst1_u8(dst + 3 * p, vget_low_u8(v));
-        const uint32_t last_four = vgetq_lane_u32(vreinterpretq_u32_u8(v), 2);
-        memcpy(dst + 3 * p + 8, &last_four, 4);
-    });
-}
-
-static void pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels) {
-    if (pixels < 16) return plain_rows.pack_rgb(argb, rgb, pixels);
-    for_each_vector(pixels, 16, [=](size_t p) {
-        const uint8x16x4_t in = vld4q_u8(argb + 4 * p);
-        const uint8x16x3_t out = {{in.val[1], in.val[2], in.val[3]}};
-        vst3q_u8(rgb + 3 * p, out);
-    });
-}
-
-static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels) {
-    if (pixels < 16) return plain_rows.unpack_rgb(rgb, argb, pixels);
-    for_each_vector(pixels, 16, [=](size_t p) {
-        const uint8x16x3_t in = vld3q_u8(rgb + 3 * p);
-        const uint8x16x4_t out = {{vdupq_n_u8(255), in.val[0], in.val[1], in.val[2]}};
-        vst4q_u8(argb + 4 * p, out);
-    });
-}
-
 static const row_ops table = {
-    "neon",     reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column, expand_even,
-    expand_odd, subtract,      widen,           blend,         collapse,      merge,
-    narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
+    "neon",        reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column,
+    expand_even,   expand_odd,      subtract,      widen,         blend,
+    collapse,      merge,           narrow,        neon_mix_rows, neon_resample_row_c3,
+    neon_pack_rgb, neon_unpack_rgb,
 };
 
 const row_ops* neon_rows(void) {

@@ -1,5 +1,6 @@
-// How the rows of 64-bit Arm are walked. In-order cores wait for every result that is used at once,
-// so a walk gives them something else to do meanwhile; others lose nothing by it.
+// What the files with vectors of 64-bit Arm share, above all how rows are walked. In-order cores
+// wait for every result that is used at once, so a walk gives them something else to do meanwhile;
+// others lose nothing by it.
 #ifndef IMAGEBLEND_KERNELS_NEON_WALK_H
 #define IMAGEBLEND_KERNELS_NEON_WALK_H
 
@@ -40,6 +41,14 @@ static inline void write_values(int16_t* __restrict dst, size_t count, Value val
         vst1q_s16(dst + i + 8, vreinterpretq_s16_u16(v.val[1]));
     });
 }
+
+// The operations of neon_resample.cpp, as row_ops.h describes them.
+void neon_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
+                   size_t bytes);
+void neon_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
+                          uint8_t* __restrict dst, size_t pixels);
+void neon_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
+void neon_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
 
 #endif
 #endif

@@ -14,59 +14,61 @@ static inline uint8_t expand2(int b, int c) {
     return (uint8_t)((4 * (b + c) + 4) >> 3);
 }
 
+// The output around sample s, which reaches `left`, `near_left` and `right` elements from it.
 template <int channels>
-static inline void reduce_range(const uint8_t* __restrict src, int32_t src_width,
-                                uint8_t* __restrict dst, int32_t dst_width, int32_t begin,
-                                int32_t end) {
-    const ptrdiff_t step = channels;
-    for (ptrdiff_t i = begin; i < end; i++) {
-        const ptrdiff_t left = i > 0 ? 2 * step : 0, near_left = i > 0 ? step : 0;
-        // At the far end the last sample is repeated where the source has no more to give.
-        const bool folds = i == dst_width - 1 && (int64_t)dst_width * 2 == src_width;
-        const ptrdiff_t right = folds ? step : 2 * step;
-        for (ptrdiff_t k = 0; k < step; k++) {
-            const uint8_t* s = src + 2 * i * step + k;
-            dst[i * step + k] = reduce5(s[-left], s[-near_left], s[0], s[step], s[right]);
-        }
+static inline void reduce_pixel(const uint8_t* __restrict s, int left, int near_left, int right,
+                                uint8_t* __restrict dst) {
+    for (int k = 0; k < channels; k++, s++) {
+        dst[k] = reduce5(s[-left], s[-near_left], s[0], s[channels], s[right]);
     }
 }
 
-void reduce_range_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                     int32_t dst_width, int32_t begin, int32_t end) {
-    reduce_range<3>(src, src_width, dst, dst_width, begin, end);
+// The first output of a row and those from `begin` on.
+template <int channels>
+static inline void reduce_from(const uint8_t* __restrict src, int32_t src_width,
+                               uint8_t* __restrict dst, int32_t dst_width, int32_t begin) {
+    constexpr ptrdiff_t step = channels;
+    const ptrdiff_t last = dst_width - 1;
+    reduce_pixel<channels>(src, 0, 0, 2 * step, dst);
+    for (ptrdiff_t i = begin; i < last; i++) {
+        reduce_pixel<channels>(src + 2 * i * step, 2 * step, step, 2 * step, dst + i * step);
+    }
+    // At the far end the last sample is repeated where the source has no more to give.
+    const int right = 2 * (int64_t)dst_width == src_width ? step : 2 * step;
+    reduce_pixel<channels>(src + 2 * last * step, 2 * step, step, right, dst + last * step);
 }
 
-void reduce_range_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                     int32_t dst_width, int32_t begin, int32_t end) {
-    reduce_range<1>(src, src_width, dst, dst_width, begin, end);
+void reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                    int32_t dst_width, int32_t begin) {
+    reduce_from<3>(src, src_width, dst, dst_width, begin);
 }
 
-void expand_range_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                     int32_t dst_width, int32_t begin, int32_t end) {
-    for (ptrdiff_t i = begin; i < end; i++) {
+void reduce_ends_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                    int32_t dst_width, int32_t begin) {
+    reduce_from<1>(src, src_width, dst, dst_width, begin);
+}
+
+static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    reduce_ends_c3(src, src_width, dst, dst_width, 1);
+}
+
+static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    reduce_ends_c1(src, src_width, dst, dst_width, 1);
+}
+
+static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    for (ptrdiff_t i = 0; i < src_width; i++) {
         const ptrdiff_t left = i > 0 ? 3 : 0, right = i < src_width - 1 ? 3 : 0;
         for (ptrdiff_t k = 0; k < 3; k++) {
             const uint8_t* s = src + 3 * i + k;
             dst[6 * i + k] = expand3(s[-left], s[0], s[right]);
             dst[6 * i + 3 + k] = expand2(s[0], s[right]);
-            if (right == 0 && dst_width > 2 * (int64_t)src_width) dst[6 * i + 6 + k] = s[0];
         }
     }
-}
-
-static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
-    reduce_range_c3(src, src_width, dst, dst_width, 0, dst_width);
-}
-
-static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
-    reduce_range_c1(src, src_width, dst, dst_width, 0, dst_width);
-}
-
-static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
-    expand_range_c3(src, src_width, dst, dst_width, 0, src_width);
+    expand_surplus_c3(src, src_width, dst, dst_width);
 }
 
 static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
