@@ -5,13 +5,21 @@
 #include "kernels/band_kernels.h"
 #include "numeric.h"
 
-// Rows of the coarser level in a strip. More rows filter fewer overlap rows twice; fewer rows stay
-// in a smaller cache: 8 rows of 1024 pixels need about 200 KB on the way up.
-enum { STRIP_ROWS = 8 };
-enum { STRIP_FINE_ROWS = 2 * STRIP_ROWS + 1, REDUCE_ROWS = 2 * STRIP_ROWS + 4 };
+// Rows of the coarser level in a strip, for a finer level of `width` pixels. More rows filter fewer
+// overlap rows twice; fewer rows stay in a smaller cache: at most 300 KB up to a width of 1024.
+static int32_t strip_rows(int32_t width) {
+    return width <= 640 ? 16 : 8;
+}
+static size_t strip_fine_rows(int32_t width) {
+    return 2 * (size_t)strip_rows(width) + 1;
+}
+static size_t reduce_rows(int32_t width) {
+    return 2 * (size_t)strip_rows(width) + 4;
+}
 
+// Coarser levels of half the width need no more than the finest, even with strips twice as high.
 size_t band_scratch_bytes(int32_t width) {
-    const size_t rows = 2 * 2 + REDUCE_ROWS + REDUCE_ROWS + 1 + 3 * STRIP_FINE_ROWS + 1;
+    const size_t rows = 2 * 2 + 2 * reduce_rows(width) + 1 + 3 * strip_fine_rows(width) + 1;
     return (rows * 3 * (size_t)width + 63) & ~(size_t)63;
 }
 
@@ -21,12 +29,12 @@ band_rows split_band_scratch(uint8_t* scratch, int32_t width) {
     rows.lap_src = (int16_t*)scratch;
     rows.lap_dst = rows.lap_src + row_bytes;
     rows.filter = scratch + 4 * row_bytes;
-    rows.cut_src = rows.filter + REDUCE_ROWS * row_bytes;
-    rows.cut_dst = rows.cut_src + REDUCE_ROWS * row_bytes;
+    rows.cut_src = rows.filter + reduce_rows(width) * row_bytes;
+    rows.cut_dst = rows.cut_src + reduce_rows(width) * row_bytes;
     rows.expanded[0] = rows.cut_dst + row_bytes;
-    rows.expanded[1] = rows.expanded[0] + STRIP_FINE_ROWS * row_bytes;
-    rows.expanded[2] = rows.expanded[1] + STRIP_FINE_ROWS * row_bytes;
-    rows.out = rows.expanded[2] + STRIP_FINE_ROWS * row_bytes;
+    rows.expanded[1] = rows.expanded[0] + strip_fine_rows(width) * row_bytes;
+    rows.expanded[2] = rows.expanded[1] + strip_fine_rows(width) * row_bytes;
+    rows.out = rows.expanded[2] + strip_fine_rows(width) * row_bytes;
     return rows;
 }
 
@@ -36,11 +44,13 @@ typedef struct strip {
     int32_t band_pos;
 } strip;
 
-static strip next_strip(const band_bundle* bundle, int32_t begin, int32_t coarse_height) {
+static strip next_strip(const band_bundle* bundle, int32_t begin) {
     strip s;
     s.begin = begin;
-    s.end = (int32_t)min_i64(begin + STRIP_ROWS, bundle->end);
-    s.band_pos = begin == 0 ? BAND_FIRST : s.end == coarse_height ? BAND_LAST : BAND_MIDDLE;
+    s.end = (int32_t)min_i64(begin + strip_rows(bundle->expand.dst_width), bundle->end);
+    s.band_pos = begin == 0                           ? BAND_FIRST
+                 : s.end == bundle->expand.src_height ? BAND_LAST
+                                                      : BAND_MIDDLE;
     return s;
 }
 
@@ -59,7 +69,7 @@ static void reduce_colours(const band_bundle* bundle, const picture* fine, const
     const band_rows rows = split_band_scratch(bundle->scratch, task.src_width);
     task.scratch = rows.filter;
     for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row, task.dst_height);
+        const strip s = next_strip(bundle, row);
         int32_t first_row;
         place_reduction(&s, &task, &first_row);
         task.src = read_rows(fine, first_row, task.src_rows, task.src_width, rows.cut_src);
@@ -73,7 +83,7 @@ static void reduce_mask(const band_bundle* bundle) {
     band_task task = bundle->mask_reduce;
     task.scratch = split_band_scratch(bundle->scratch, task.src_width).filter;
     for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row, task.dst_height);
+        const strip s = next_strip(bundle, row);
         int32_t first_row;
         place_reduction(&s, &task, &first_row);
         task.src = bundle->mask + (size_t)first_row * (size_t)task.src_width;
@@ -148,7 +158,7 @@ void* band_bundle_collapse(void* arg) {
     const picture* const coarse[3] = {&bundle->coarse_src, &bundle->coarse_dst,
                                       &bundle->coarse_result};
     for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row, bundle->expand.src_height);
+        const strip s = next_strip(bundle, row);
         for (size_t i = 0; i < 3; i++) {
             expand_strip(bundle, &s, coarse[i], &rows, rows.expanded[i]);
         }
