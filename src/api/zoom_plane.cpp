@@ -5,15 +5,18 @@
 #include "fixed_step.h"
 #include "numeric.h"
 
-// One row of single bytes; positions never decrease and start at 0.
+// One row of single bytes. Positions never decrease and start at 0; from `inside` on they are
+// behind the last sample.
 static void zoom_row(const uint8_t* row, int32_t source_width, uint8_t* target,
                      int32_t target_width, int64_t step) {
     const int64_t last = (int64_t)source_width - 1;
+    const int64_t inside = step > 0 ? min_i64(last * 128 / step + 1, target_width) : target_width;
     int64_t position = 64;
-    for (int32_t x = 0; x < target_width; x++, position += step) {
-        const int64_t nearest = position >> 7;
-        target[x] = row[nearest < last ? nearest : last];
-    }
+    int64_t x = 0;
+    for (; x < inside; x++, position += step)
+        target[x] = row[position >> 7];
+    for (; x < target_width; x++)
+        target[x] = row[last];
 }
 
 void zoom_plane_nearest(const uint8_t* source, int32_t source_width, int32_t source_height,
