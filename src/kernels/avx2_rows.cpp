@@ -93,8 +93,8 @@ static inline __m256i reduce_pixels(const uint8_t* s) {
 
 // Eight pixels a step. The reads of a step end 12 bytes behind its last centre, so the last two
 // outputs are left to the edge.
-static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
+void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width) {
     const int32_t inner = dst_width - 3;
     if (inner < 8) return plain_rows.reduce_row_c3(src, src_width, dst, dst_width);
     const __m256i close_up = _mm256_broadcastsi128_si256(
@@ -152,8 +152,8 @@ static inline bytes32 both_halves(const uint8_t* p) {
 }
 
 // Ten source pixels a step, five in each half. A step reads 3 bytes before and 4 behind them.
-static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
+void avx2_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width) {
     const int32_t inner = src_width - 3;
     if (inner < 10) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
     const bytes32 even_first = both_halves(turn_even[0]), even_last = both_halves(turn_even[1]);
@@ -319,10 +319,23 @@ void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t 
 
 const row_ops* avx2_table(void) {
     static const row_ops table = {
-        "avx2",           reduce_row_c3,   avx2_reduce_row_c1, expand_row_c3, avx2_reduce_column,
-        avx2_expand_even, avx2_expand_odd, avx2_subtract,      avx2_widen,    avx2_blend,
-        avx2_collapse,    avx2_merge,      avx2_narrow,        avx2_mix_rows, avx2_resample_row_c3,
-        avx2_pack_rgb,    avx2_unpack_rgb,
+        "avx2",
+        avx2_reduce_row_c3,
+        avx2_reduce_row_c1,
+        avx2_expand_row_c3,
+        avx2_reduce_column,
+        avx2_expand_even,
+        avx2_expand_odd,
+        avx2_subtract,
+        avx2_widen,
+        avx2_blend,
+        avx2_collapse,
+        avx2_merge,
+        avx2_narrow,
+        avx2_mix_rows,
+        avx2_resample_row_c3,
+        avx2_pack_rgb,
+        avx2_unpack_rgb,
     };
     return &table;
 }

@@ -55,7 +55,11 @@ static inline void store_two_twelves(uint8_t* p, __m256i v) {
 
 // Operations of avx2_rows.cpp and avx2_resample.cpp, as row_ops.h describes them. Most serve the
 // table for wider vectors too.
+void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width);
 void avx2_reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width);
+void avx2_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                         int32_t dst_width);
 void avx2_reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
 void avx2_expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst,

@@ -58,7 +58,7 @@ static inline __m512i weigh(bytes64 gathered, int first, int second) {
 static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = dst_width - 2;
-    if (inner < 10) return plain_rows.reduce_row_c3(src, src_width, dst, dst_width);
+    if (inner < 10) return avx2_reduce_row_c3(src, src_width, dst, dst_width);
     const bytes64 first = load64(pairs.at), next = load64(next_pairs.at);
     for_each_vector((size_t)inner, 10, [=](size_t i) {
         const uint8_t* s = src + 6 * (i + 1);
@@ -87,7 +87,7 @@ static inline bytes64 even_phase(bytes64 a, bytes64 b, bytes64 c) {
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 4;
-    if (inner < 20) return plain_rows.expand_row_c3(src, src_width, dst, dst_width);
+    if (inner < 20) return avx2_expand_row_c3(src, src_width, dst, dst_width);
     const bytes64 low = load64(expanded_low.at), high = load64(expanded_high.at);
     for_each_vector((size_t)inner, 20, [=](size_t i) {
         const uint8_t* s = src + 3 * (i + 1);
