@@ -91,6 +91,35 @@ static inline __m256i reduce_pixels(const uint8_t* s) {
                         _mm256_shuffle_epi8(load_halves(s + 3, s + 15), singles));
 }
 
+// The first two and the last two outputs of a row, where neighbours repeat, in a half each;
+// dst_width >= 4. The last two come from 16 bytes from the first sample on that they reach, and
+// from 16 that end with the row's last pair of samples, or with the sample behind it where there is
+// one.
+void avx2_reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                         int32_t dst_width) {
+    const __m256i pairs01 = _mm256_setr_epi8(0, 0, 1, 1, 2, 2, 0, 3, 1, 4, 2, 5, -1, -1, -1, -1,  //
+                                             0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, -1, -1, -1, -1);
+    const __m256i pairs23 =
+        _mm256_setr_epi8(0, 3, 1, 4, 2, 5, 6, 9, 7, 10, 8, 11, -1, -1, -1, -1,  //
+                         4, 7, 5, 8, 6, 9, 10, 13, 11, 14, 12, 15, -1, -1, -1, -1);
+    const __m256i singles4 =
+        _mm256_setr_epi8(6, -1, 7, -1, 8, -1, 12, -1, 13, -1, 14, -1, -1, -1, -1, -1,  //
+                         7, -1, 8, -1, 9, -1, 13, -1, 14, -1, 15, -1, -1, -1, -1, -1);
+    const __m256i folded4 =
+        _mm256_setr_epi8(6, -1, 7, -1, 8, -1, 12, -1, 13, -1, 14, -1, -1, -1, -1, -1,  //
+                         10, -1, 11, -1, 12, -1, 13, -1, 14, -1, 15, -1, -1, -1, -1, -1);
+    const uint8_t* end = src + 6 * (ptrdiff_t)dst_width;
+    const bool folds = 2 * (int64_t)dst_width == src_width;
+    const bytes32 p4 = folds ? _mm256_shuffle_epi8(load_halves(src, end - 16), folded4)
+                             : _mm256_shuffle_epi8(load_halves(src, end - 13), singles4);
+    const __m256i values =
+        reduce_pairs(_mm256_shuffle_epi8(load_halves(src, end - 18), pairs01),
+                     _mm256_shuffle_epi8(load_halves(src, end - 16), pairs23), p4);
+    const __m256i outputs = _mm256_packus_epi16(values, values);
+    store6(dst, _mm256_castsi256_si128(outputs));
+    store6(dst + 3 * ((ptrdiff_t)dst_width - 2), _mm256_extracti128_si256(outputs, 1));
+}
+
 // Eight pixels a step. The reads of a step end 12 bytes behind its last centre, so the last two
 // outputs are left to the edge.
 void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -104,7 +133,7 @@ void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_
         const bytes32 outputs = pack_in_order(reduce_pixels(s), reduce_pixels(s + 24));
         store_two_twelves(dst + 3 * (i + 1), _mm256_shuffle_epi8(outputs, close_up));
     });
-    reduce_ends_c3(src, src_width, dst, dst_width, dst_width - 2);
+    avx2_reduce_ends_c3(src, src_width, dst, dst_width);
 }
 
 // Five even and five odd pixels in turn, 30 bytes: where bytes 0..15 and bytes 14..29 of them come

@@ -27,6 +27,11 @@ static inline void store16(uint8_t* p, __m128i v) {
     _mm_storeu_si128((__m128i*)p, v);
 }
 
+static inline void store6(uint8_t* p, __m128i v) {
+    const int64_t low = _mm_cvtsi128_si64(v);
+    memcpy(p, &low, 6);
+}
+
 // Two runs of 16 bytes, one in each half.
 static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
     return _mm256_inserti128_si256(_mm256_castsi128_si256(load16(low)), load16(high), 1);
@@ -79,8 +84,11 @@ void avx2_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
 void avx2_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
 void avx2_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
 
-// What an expansion leaves to the edges: the first five and the last five source pixels and the
-// surplus pixel, src_width >= 6.
+// What the filters leave to the edges, where neighbours repeat. A reduction: the first two and the
+// last two outputs, dst_width >= 4. An expansion: the first five and the last five source pixels
+// and the surplus pixel, src_width >= 6.
+void avx2_reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                         int32_t dst_width);
 void avx2_expand_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                          int32_t dst_width);
 

@@ -71,7 +71,7 @@ static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
         const __m512i rounded = _mm512_srli_epi16(_mm512_add_epi16(sum, _mm512_set1_epi16(8)), 4);
         _mm256_mask_storeu_epi8(dst + 3 * (i + 1), 0x3fffffff, _mm512_cvtepi16_epi8(rounded));
     });
-    reduce_ends_c3(src, src_width, dst, dst_width, dst_width - 1);
+    avx2_reduce_ends_c3(src, src_width, dst, dst_width);
 }
 
 // As in avx2_rows.cpp.
