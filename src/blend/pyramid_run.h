@@ -8,9 +8,10 @@
 
 typedef struct pyramid_run {
     blend_workspace* ws;
-    int32_t levels;     // depth that is built, at most ws->levels
-    thread_pool* pool;  // null when everything runs in the caller
-    side_work* beside;  // shared by all threads of the first stage; may be null
+    int32_t levels;            // depth that is built, at most ws->levels
+    thread_pool* pool;         // null when everything runs in the caller
+    int64_t min_stage_pixels;  // smaller levels run in the caller all the same
+    side_work* beside;         // shared by all threads of the first stage; may be null
     uint8_t* band_scratch[BAND_COUNT];
     pixel_layout layout_mask;  // {0, 1}
     pixel_layout layout_c3;    // {0, 3}

@@ -10,9 +10,9 @@ static int32_t level_height(const pyramid_run* run, int32_t level) {
     return (int32_t)run->ws->level_height[level];
 }
 
-// Runs a task for each band, on the pool where there is one, and returns when all four are done.
+// Runs a task for each band, where the bundles say, and returns when all four are done.
 static void run_stage(pyramid_run* run, void* (*routine)(void*)) {
-    if (run->pool == NULL) {
+    if (run->band_bundles[0].pool == NULL) {
         for (int32_t k = 0; k < BAND_COUNT; k++)
             routine(&run->band_bundles[k]);
         return;
@@ -45,12 +45,19 @@ static band_task row_task(const pyramid_run* run, int32_t level) {
     return task;
 }
 
+// Where a stage of the level runs: in the caller, null, if its work is less than that of waking
+// threads and waiting for them.
+static thread_pool* stage_pool(const pyramid_run* run, int32_t level) {
+    const int64_t pixels = (int64_t)level_width(run, level) * level_height(run, level);
+    return pixels >= run->min_stage_pixels ? run->pool : NULL;
+}
+
 // Fills the bundle of band k, which has rows [begin, end) of the coarser level.
 static void fill_bundle(pyramid_run* run, int32_t level, int32_t k, int32_t begin, int32_t end) {
     band_bundle* bundle = &run->band_bundles[k];
     *bundle = band_bundle();
     bundle->widen = bundle->blend = row_task(run, level);
-    bundle->pool = run->pool;
+    bundle->pool = stage_pool(run, level);
     bundle->beside = run->beside;
     bundle->band = k;
     bundle->begin = begin;
@@ -79,7 +86,7 @@ static void fill_bundles(pyramid_run* run, int32_t level, int32_t rows) {
 }
 
 void prepare_source(pyramid_run* run, const row_work* work) {
-    fill_bundles(run, run->levels, work->height);
+    fill_bundles(run, 0, work->height);
     for (int32_t k = 0; k < BAND_COUNT; k++)
         run->band_bundles[k].prepare = work;
     run_stage(run, band_bundle_prepare);
