@@ -82,8 +82,8 @@ static inline bytes64 even_phase(bytes64 a, bytes64 b, bytes64 c) {
     return _mm512_avg_epu8(b, _mm512_xor_si512(mean, ones));
 }
 
-// Twenty source pixels a step. A step reads nine bytes behind its
-// last pixel, which leaves the last three to the edge.
+// Twenty source pixels a step. A step reads nine bytes behind its last pixel, which leaves the last
+// three to the edge.
 static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 4;
