@@ -4,50 +4,36 @@
 
 #include "kernels/band_kernels.h"
 #include "naive.h"
-#include "support/guarded_bytes.h"
 
 namespace {
 
 using naive::bytes;
-using naive::bytes_of;
 using naive::UNTOUCHED;
 using naive::words;
-using support::guarded_bytes;
 
-// The input planes of all kernels, with the steps of the blend's pixels.
-struct steps {
-    size_t mask = 1, lap = 3, lap2 = 3, dst = 3;
-};
+constexpr int32_t WIDTH = 21, ROWS = 3;
+constexpr size_t PIXELS = size_t{WIDTH} * ROWS;
+constexpr size_t ELEMENTS = 5 * PIXELS;  // of a plane, enough for pixels of five
 
-struct planes {
-    size_t pixels;
-    bytes src, src2;
-    words lap, lap2;
-    guarded_bytes dst, dst_lap;
-    pixel_layout mask_layout, lap_layout, lap2_layout, dst_layout;
+// A task and the planes of all kernels.
+struct band {
+    bytes src = naive::data(4, ELEMENTS, 1), src2 = naive::data(5, ELEMENTS, 2);
+    words lap = naive::signed_data(4, ELEMENTS, 255, 3);
+    words lap2 = naive::signed_data(4, ELEMENTS, 255, 4);
+    bytes dst = bytes(ELEMENTS, UNTOUCHED);
+    words dst_lap = words(ELEMENTS, UNTOUCHED);
+    pixel_layout mask_layout{0, 1}, lap_layout{0, 3}, lap2_layout{0, 3}, dst_layout{0, 3};
     band_task task = band_task();
 
-    planes(int32_t width, int32_t rows, const steps& s = {})
-        : pixels(naive::plane_bytes({width, rows}, 1)),
-          src(naive::data(4, 3 * pixels, pixels)),
-          src2(naive::data(5, 3 * pixels, pixels)),
-          lap(naive::signed_data(4, s.lap * pixels, 255, pixels)),
-          lap2(naive::signed_data(4, s.lap2 * pixels, 255, pixels + 1)),
-          dst(bytes(3 * pixels, UNTOUCHED), 64, 64),
-          dst_lap(bytes(2 * s.dst * pixels, UNTOUCHED), 64, 64),
-          mask_layout{0, static_cast<int32_t>(s.mask)},
-          lap_layout{0, static_cast<int32_t>(s.lap)},
-          lap2_layout{0, static_cast<int32_t>(s.lap2)},
-          dst_layout{0, static_cast<int32_t>(s.dst)} {
+    band(int32_t width, int32_t rows) {
         task.src = src.data();
         task.src2 = src2.data();
         task.lap = lap.data();
         task.lap2 = lap2.data();
         task.src_width = width;
-        task.src_height = 99;
         task.src_rows = rows;
         task.dst = dst.data();
-        task.dst_lap = reinterpret_cast<int16_t*>(dst_lap.data());
+        task.dst_lap = dst_lap.data();
         task.src_geom = &lap_layout;
         task.src2_geom = &lap2_layout;
         task.dst_geom = &dst_layout;
@@ -56,57 +42,58 @@ struct planes {
 };
 
 TEST(BandKernels, BlendHonoursPixelSteps) {
-    for (const steps& s : {steps{}, steps{2, 4, 5, 3}, steps{1, 3, 3, 4}, steps{3, 3, 4, 5},
-                           steps{1, 4, 3, 3}, steps{2, 3, 3, 3}}) {
-        planes p(21, 3, s);
-        words expected(s.dst * p.pixels);
-        std::fill(expected.begin(), expected.end(), static_cast<int16_t>(UNTOUCHED * 257));
-        for (size_t i = 0; i < 3 * p.pixels; ++i) {
-            const size_t at = i / 3, c = i % 3;
-            expected[at * s.dst + c] =
-                naive::blended(p.src[at * s.mask], p.lap[at * s.lap + c], p.lap2[at * s.lap2 + c]);
+    struct steps {
+        size_t mask, lap, lap2, dst;
+    };
+    for (const steps s : {steps{1, 3, 3, 3}, steps{2, 4, 5, 3}, steps{1, 3, 3, 4},
+                          steps{3, 3, 4, 5}, steps{1, 4, 3, 3}, steps{2, 3, 3, 3}}) {
+        band b(WIDTH, ROWS);
+        b.mask_layout.step = static_cast<int32_t>(s.mask);
+        b.lap_layout.step = static_cast<int32_t>(s.lap);
+        b.lap2_layout.step = static_cast<int32_t>(s.lap2);
+        b.dst_layout.step = static_cast<int32_t>(s.dst);
+        words expected(ELEMENTS, UNTOUCHED), over_lap2 = b.lap2;
+        for (size_t i = 0; i < 3 * PIXELS; ++i) {
+            const size_t p = i / 3, c = i % 3, out = p * s.dst + c;
+            expected[out] =
+                naive::blended(b.src[p * s.mask], b.lap[p * s.lap + c], b.lap2[p * s.lap2 + c]);
+            over_lap2[out] = expected[out];
         }
-        EXPECT_EQ(ImageBlend_Short3C(&p.task), nullptr);
-        EXPECT_EQ(p.dst_lap.content(), bytes_of(expected)) << s.mask << s.lap << s.lap2 << s.dst;
-        EXPECT_TRUE(p.dst_lap.intact());
+        EXPECT_EQ(ImageBlend_Short3C(&b.task), nullptr);
+        EXPECT_EQ(b.dst_lap, expected) << s.mask << s.lap << s.lap2 << s.dst;
         if (s.lap2 != s.dst) continue;
         // As the engine calls it: over the second plane.
-        p.task.dst_lap = p.lap2.data();
-        ImageBlend_Short3C(&p.task);
-        EXPECT_EQ(p.lap2, expected);
+        b.task.dst_lap = b.lap2.data();
+        ImageBlend_Short3C(&b.task);
+        EXPECT_EQ(b.lap2, over_lap2);
     }
 }
 
 TEST(BandKernels, CompletionsAndEmptyBands) {
     thread_pool* pool = nullptr;
     ASSERT_EQ(pool_init(&pool, 1), 0);
-    struct size {
-        int32_t width, rows;
-    };
-    for (const size s : {size{9, 2}, size{9, 0}, size{9, -2}, size{0, 2}, size{-3, 2}}) {
-        planes p(9, 2);
-        p.task.src_width = s.width;
-        p.task.src_rows = s.rows;
+    for (const auto& [width, rows] : {std::pair(WIDTH, ROWS), std::pair(9, 0), std::pair(9, -2),
+                                      std::pair(0, 2), std::pair(-3, 2)}) {
+        SCOPED_TRACE(std::to_string(width) + "x" + std::to_string(rows));
+        const bool empty = width < 1 || rows < 1;
+        band b(width, rows);
         for (const auto kernel : {ImageBlend_Short3C, ImageNarrow_Short3C}) {
             for (thread_pool* const reported : {pool, static_cast<thread_pool*>(nullptr)}) {
-                p.task.pool = reported;
+                b.task.pool = reported;
                 pool_reset_done(pool);
-                EXPECT_EQ(kernel(&p.task), nullptr);
-                EXPECT_EQ(pool->pro_count, reported == pool ? 1 : 0) << s.width << "x" << s.rows;
+                EXPECT_EQ(kernel(&b.task), nullptr);
+                EXPECT_EQ(pool->pro_count, reported == pool ? 1 : 0);
             }
         }
-        if (s.width > 0 && s.rows > 0) {
-            bytes low;
-            for (const int16_t value : p.lap)
-                low.push_back(static_cast<uint8_t>(value & 255));
-            EXPECT_EQ(p.dst.content(), low);
-            continue;
+        for (size_t i = 0; i < ELEMENTS; ++i) {
+            const bool narrowed = !empty && i < 3 * PIXELS;
+            EXPECT_EQ(b.dst[i], narrowed ? b.lap[i] & 255 : UNTOUCHED) << i;
         }
+        if (!empty) continue;
         for (const auto kernel : {ImageLaplace_Byte3C, ImageWiden_Byte3C, ImageCollapse_Short3C})
-            EXPECT_EQ(kernel(&p.task), 0);
-        EXPECT_EQ(p.dst.content(), bytes(p.dst.content().size(), UNTOUCHED));
-        EXPECT_EQ(p.dst_lap.content(), bytes(p.dst_lap.content().size(), UNTOUCHED));
-        EXPECT_TRUE(p.dst.intact() && p.dst_lap.intact());
+            EXPECT_EQ(kernel(&b.task), 0);
+        EXPECT_EQ(b.dst, bytes(ELEMENTS, UNTOUCHED));
+        EXPECT_EQ(b.dst_lap, words(ELEMENTS, UNTOUCHED));
     }
     EXPECT_EQ(pool_destroy(pool), 0);
 }
