@@ -45,8 +45,9 @@ TEST(BandKernels, BlendHonoursPixelSteps) {
     struct steps {
         size_t mask, lap, lap2, dst;
     };
-    for (const steps s : {steps{1, 3, 3, 3}, steps{2, 4, 5, 3}, steps{1, 3, 3, 4},
-                          steps{3, 3, 4, 5}, steps{1, 4, 3, 3}, steps{2, 3, 3, 3}}) {
+    for (const steps s :
+         {steps{1, 3, 3, 3}, steps{2, 4, 5, 3}, steps{1, 3, 3, 4}, steps{3, 3, 4, 5},
+          steps{1, 4, 3, 3}, steps{1, 3, 4, 3}, steps{2, 3, 3, 3}}) {
         band b(WIDTH, ROWS);
         b.mask_layout.step = static_cast<int32_t>(s.mask);
         b.lap_layout.step = static_cast<int32_t>(s.lap);
