@@ -116,7 +116,6 @@ fuzz_scene decode_scene(const uint8_t* data, size_t size) {
     fuzz_scene made;
     support::scene& s = made.scene;
     const int shape = in.byte();
-    s.kind = "fuzzed";
     s.seed = in.byte();
     int32_t width = read_side(in), height = read_side(in);
     if ((shape & FUZZ_SIDE_BELOW_1) != 0 && in.below(4) == 0) read_empty_size(in, &width, &height);

@@ -3,7 +3,6 @@ add_executable(internal_tests
     api/fault_test.cpp
     api/mask_test.cpp
     api/rotated_icon_test.cpp
-    api/rotation_test.cpp
     blend/region_test.cpp
     blend/pyramid_blend_test.cpp
     blend/resample_test.cpp

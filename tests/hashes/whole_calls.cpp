@@ -1,36 +1,24 @@
 #include "whole_calls.h"
 
-#include <imageblend.h>
 #include <inttypes.h>
 #include <stdio.h>
 
 namespace hashes {
 namespace {
 
-class fnv {
-  public:
-    void add(const void* data, size_t size) {
-        const auto* bytes = static_cast<const uint8_t*>(data);
-        for (size_t i = 0; i < size; ++i)
-            hash_ = (hash_ ^ bytes[i]) * 0x100000001B3U;
-    }
-    void add(int64_t value) {
-        for (int shift = 0; shift < 64; shift += 8) {
-            const auto byte = static_cast<uint8_t>(static_cast<uint64_t>(value) >> shift);
-            add(&byte, 1);
-        }
-    }
-    void add(const model::log_lines& log) {
-        for (const model::log_line& line : log) {
-            add(line.priority);
-            add(line.text.data(), line.text.size() + 1);
-        }
-    }
-    uint64_t value() const { return hash_; }
+// Adds bytes to an FNV-1a hash.
+void add(uint64_t& hash, const void* data, size_t size) {
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    for (size_t i = 0; i < size; ++i)
+        hash = (hash ^ bytes[i]) * 0x100000001B3U;
+}
 
-  private:
-    uint64_t hash_ = 0xCBF29CE484222325U;
-};
+void add(uint64_t& hash, int64_t value) {
+    for (int shift = 0; shift < 64; shift += 8) {
+        const auto byte = static_cast<uint8_t>(static_cast<uint64_t>(value) >> shift);
+        add(hash, &byte, 1);
+    }
+}
 
 // A box of 160000 pixels and more, at its own size, a little smaller or nearly twice as large.
 support::scene large_scene(uint64_t seed) {
@@ -52,64 +40,40 @@ support::scene large_scene(uint64_t seed) {
     return s;
 }
 
-int32_t hash_size(const model::frame& mask, fnv& hash) {
-    const blend_image record{mask.width, mask.height, const_cast<uint8_t*>(mask.data.data())};
-    int32_t width = 0, height = 0;
-    const int32_t status = vorn_get_icon_size(&record, &width, &height);
-    hash.add(width);
-    hash.add(height);
-    return status;
-}
-
-int32_t hash_cutout(const support::scene& s, fnv& hash) {
-    const support::cutout_outcome made = support::run_cutout(s);
-    hash.add(made.log);
-    if (made.status != 0) return made.status;
-    hash.add(made.width);
-    hash.add(made.height);
-    hash.add(made.pixels.data(), made.pixels.size());
-    return made.status;
-}
-
-int32_t hash_blend(const whole_call& call, fnv& hash) {
-    const support::blend_outcome made = support::run_blend(call.scene, call.alias);
-    hash.add(made.log);
-    if (made.status == 0) hash.add(made.output.data(), made.output.size());
-    return made.status;
+model::outcome run(const whole_call& call) {
+    if (call.function == "size") return support::run_size(call.scene.mask);
+    if (call.function == "verify") return support::run_verify(call.scene);
+    if (call.function == "cutout") return support::run_cutout(call.scene);
+    return support::run_blend(call.scene, call.alias);
 }
 
 }  // namespace
 
 whole_call make_call(uint64_t seed) {
-    static const char* const functions[] = {"blend", "blend", "blend",  "blend",  "blend",
-                                            "blend", "blend", "verify", "cutout", "size"};
-    static const support::aliasing aliases[] = {
-        support::aliasing::none, support::aliasing::destination, support::aliasing::icon};
+    static const char* const small_calls[] = {"verify", "cutout", "size"};
+    const bool is_large = seed % 10 == 0;
     whole_call call;
-    call.function = functions[seed % 10];
-    call.alias = aliases[seed % 3];
-    call.is_large = seed % 10 == 0;
-    call.scene = call.is_large ? large_scene(seed) : support::random_scene(seed);
+    call.function = seed % 10 < 7 ? "blend" : small_calls[seed % 10 - 7];
+    call.alias = static_cast<support::aliasing>(seed % 3);
+    call.scene = is_large ? large_scene(seed) : support::random_scene(seed);
     return call;
 }
 
 std::string call_line(const whole_call& call) {
-    fnv hash;
-    int32_t status = 0;
-    if (call.function == "size") {
-        status = hash_size(call.scene.mask, hash);
-    } else if (call.function == "verify") {
-        const support::verify_outcome made = support::run_verify(call.scene);
-        hash.add(made.log);
-        status = made.status;
-    } else if (call.function == "cutout") {
-        status = hash_cutout(call.scene, hash);
-    } else {
-        status = hash_blend(call, hash);
+    const model::outcome made = run(call);
+    uint64_t hash = 0xCBF29CE484222325U;
+    for (const model::log_line& line : made.log) {
+        add(hash, line.priority);
+        add(hash, line.text.data(), line.text.size() + 1);
     }
+    if (made.status == 0 && (call.function == "size" || call.function == "cutout")) {
+        add(hash, made.width);
+        add(hash, made.height);
+    }
+    add(hash, made.pixels.data(), made.pixels.size());
     char line[80];
     snprintf(line, sizeof line, "%" PRIu64 " %s %d %016" PRIx64, call.scene.seed,
-             call.function.c_str(), status, hash.value());
+             call.function.c_str(), made.status, hash);
     return line;
 }
 

@@ -18,7 +18,6 @@ struct whole_call {
     std::string function;  // blend, verify, cutout or size
     support::scene scene;
     support::aliasing alias = support::aliasing::none;
-    bool is_large = false;
 };
 
 // Every tenth call is a blend of a large object, which succeeds.

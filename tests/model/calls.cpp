@@ -10,11 +10,6 @@
 namespace model {
 namespace {
 
-struct zoomed_size {
-    int32_t width = 0;
-    int32_t height = 0;
-};
-
 int32_t scaled(int32_t side, float zoom) {
     return truncate(static_cast<float>(side) * zoom);
 }
@@ -42,38 +37,41 @@ int64_t place_axis(int32_t wanted, int32_t crop_side, int32_t frame_side, int32_
 
 /* The object's picture at the zoomed size. */
 bytes source_rectangle(const frame& icon, const mask_box& box, int32_t center_x, int32_t center_y,
-                       float zoom, zoomed_size size) {
+                       float zoom, extent_2d size) {
     const auto start = [](int32_t center, int32_t side) {
         return std::max<int64_t>(int64_t{center} - side / 2, 0);
     };
     const bytes picture = read_rectangle(icon, start(center_x, box.width),
                                          start(center_y, box.height), box.width, box.height);
     if (zoom == 1.0F) return picture;
-    return resample_linear(picture, {box.width, box.height}, {size.width, size.height});
+    return resample_linear(picture, {box.width, box.height}, size);
 }
 
 }  // namespace
 
-size_result get_icon_size(const frame& mask) {
-    log_lines none;
-    const mask_box box = find_mask_box(mask, true, margins::off, none).box;
-    return {0, box.bare_width, box.bare_height};
+outcome get_icon_size(const frame& mask) {
+    outcome result;
+    const mask_box box = find_mask_box(mask, true, false, result.log);
+    result.width = box.bare_width;
+    result.height = box.bare_height;
+    return result;
 }
 
-cutout_result create_rgb_icon(const frame& source, const frame& mask, float /*zoom*/) {
-    cutout_result result;
-    if (int64_t{mask.width} * mask.height < 0) {
-        log(result.log, 3, "crop_mask_image memory alloc failed return\n");
+outcome create_rgb_icon(const frame& source, const frame& mask) {
+    outcome result;
+    const auto fail = [&](const char* line) {
+        log(result.log, 3, "%s", line);
         result.status = -1;
         return result;
+    };
+    if (int64_t{mask.width} * mask.height < 0) {
+        return fail("crop_mask_image memory alloc failed return\n");
     }
-    const mask_box box = find_mask_box(mask, true, margins::off, result.log).box;
+    const mask_box box = find_mask_box(mask, true, false, result.log);
     log(result.log, 6, "LLL crop_mask_width:%d,crop_mask_height:%d\n", box.width, box.height);
     log(result.log, 4, "create_rgb_icon crop mask width:%d , height:%d\n", box.width, box.height);
     if (int64_t{box.width} * box.height < 0) {
-        log(result.log, 3, "src_patchimage memory alloc failed return\n");
-        result.status = -1;
-        return result;
+        return fail("src_patchimage memory alloc failed return\n");
     }
     log(result.log, 3, "src_imageptr:<ptr> , src_patchimage:<ptr>\n");
     result.width = box.width;
@@ -93,9 +91,9 @@ cutout_result create_rgb_icon(const frame& source, const frame& mask, float /*zo
     return result;
 }
 
-blend_result image_blending(const frame& icon, const frame& destination, const frame& mask,
-                            const placement& place) {
-    blend_result result;
+outcome image_blending(const frame& icon, const frame& destination, const frame& mask,
+                       const placement& place) {
+    outcome result;
     const auto fail_sizes = [&] {
         log(result.log, 6, "LLF frame sizes differ icon[%d,%d],destination[%d,%d],mask[%d,%d]\n",
             icon.width, icon.height, destination.width, destination.height, mask.width,
@@ -109,7 +107,7 @@ blend_result image_blending(const frame& icon, const frame& destination, const f
         place.center_y, static_cast<double>(place.zoom), static_cast<double>(place.angle));
     if (icon.width != mask.width || icon.height != mask.height) return fail_sizes();
 
-    mask_box box = find_mask_box(mask, true, margins::logged, result.log).box;
+    mask_box box = find_mask_box(mask, true, true, result.log);
     log(result.log, 6, "LLL crop_mask_width:%d,crop_mask_height:%d\n", box.width, box.height);
     const int32_t center_x = saturate(int64_t{box.x0} + box.width / 2);
     const int32_t center_y = saturate(int64_t{box.y0} + box.height / 2);
@@ -120,13 +118,13 @@ blend_result image_blending(const frame& icon, const frame& destination, const f
         turned_mask = rotate(mask, 1, turn);
         turned_icon = rotate(icon, 4, turn);
         const mask_box upright = box;
-        box = find_mask_box(turned_mask, true, margins::logged, result.log).box;
+        box = find_mask_box(turned_mask, true, true, result.log);
         if (box.x0 != upright.x0 || box.y0 != upright.y0) {
             box.x0 = saturate(int64_t{center_x} - box.width / 2);
             box.y0 = saturate(int64_t{center_y} - box.height / 2);
         }
     }
-    const zoomed_size size{scaled(box.width, place.zoom), scaled(box.height, place.zoom)};
+    const extent_2d size{scaled(box.width, place.zoom), scaled(box.height, place.zoom)};
     log(result.log, 6, "LLF double check cropsize[%d,%d],maxsize[%d,%d]\n", size.width, size.height,
         destination.width, destination.height);
     if (size.height > destination.height || size.width > destination.width) {
@@ -136,11 +134,11 @@ blend_result image_blending(const frame& icon, const frame& destination, const f
     }
     if (destination.width != mask.width || destination.height != mask.height) return fail_sizes();
 
-    result.output = destination.data;
+    frame output = destination;
     if (box.width >= 1 && box.height >= 1 && size.width >= 1 && size.height >= 1) {
         bytes weights = crop_mask(turned_mask, box);
         if (place.zoom != 1.0F) {
-            weights = resample_nearest(weights, {box.width, box.height}, {size.width, size.height});
+            weights = resample_nearest(weights, {box.width, box.height}, size);
         }
         const bytes source =
             source_rectangle(turned_icon, box, center_x, center_y, place.zoom, size);
@@ -152,10 +150,9 @@ blend_result image_blending(const frame& icon, const frame& destination, const f
         const int32_t depth =
             pyramid_level(scaled(std::min(box.width, box.height), place.zoom), true);
         const bytes blended = pyramid_blend(source, under, weights, size.width, size.height, depth);
-        frame output{destination.width, destination.height, std::move(result.output)};
         write_rectangle(output, x, y, size.width, size.height, blended);
-        result.output = std::move(output.data);
     }
+    result.pixels = std::move(output.data);
     log(result.log, 3, " LLF time_cost_end");
     return result;
 }

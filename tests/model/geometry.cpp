@@ -69,7 +69,7 @@ void log_seams(const extent& x, const extent& y, int64_t margin, log_lines& line
 
 }  // namespace
 
-box_search find_mask_box(const frame& mask, bool clamp, margins mode, log_lines& lines) {
+mask_box find_mask_box(const frame& mask, bool clamp, bool margins, log_lines& lines) {
     extent x{saturate(int64_t{mask.width} - 1), 0, mask.width};
     extent y{saturate(int64_t{mask.height} - 1), 0, mask.height};
     for (int32_t row = 0; row < rows_of(mask); ++row) {
@@ -83,27 +83,26 @@ box_search find_mask_box(const frame& mask, bool clamp, margins mode, log_lines&
             y.high = std::max<int64_t>(y.high, row);
         }
     }
-    box_search found;
-    mask_box& box = found.box;
+    mask_box box;
     box.x0 = saturate(x.low);
     box.y0 = saturate(y.low);
     box.width = box.bare_width = saturate(x.high - x.low + 1);
     box.height = box.bare_height = saturate(y.high - y.low + 1);
     const int32_t side = std::min(box.width, box.height);
     box.level = pyramid_level(truncate(static_cast<float>(side)), clamp);
-    if (mode == margins::off) return found;
+    if (!margins) return box;
     if (box.width > mask.width || box.height > mask.height) {
-        if (mode == margins::logged) log(lines, 6, "fital error!\n");
-        found.fits = false;
-        return found;
+        log(lines, 6, "fital error!\n");
+        box.fits = false;
+        return box;
     }
     const int64_t margin = level_margin(box.level);
     box.x0 = saturate(x.low - x.before(margin));
     box.y0 = saturate(y.low - y.before(margin));
     box.width = saturate(box.width + x.before(margin) + x.after(margin));
     box.height = saturate(box.height + y.before(margin) + y.after(margin));
-    if (mode == margins::logged) log_seams(x, y, margin, lines);
-    return found;
+    log_seams(x, y, margin, lines);
+    return box;
 }
 
 bytes crop_mask(const frame& mask, const mask_box& box) {

@@ -26,17 +26,11 @@ struct mask_box {
     int32_t bare_width = 0;
     int32_t bare_height = 0;
     int32_t level = 0;
+    bool fits = true; /* false where margins were asked for and the bare box exceeds the frame */
 };
 
-enum class margins { off, silent, logged };
-
-/* The box of the non-zero bytes. `fits` is false when the bare box exceeds the frame; the box then
- * stays bare and, with margins::logged, the log says so. */
-struct box_search {
-    mask_box box;
-    bool fits = true;
-};
-box_search find_mask_box(const frame& mask, bool clamp, margins mode, log_lines& log);
+/* The box of the non-zero bytes; only a search for margins logs. */
+mask_box find_mask_box(const frame& mask, bool clamp, bool margins, log_lines& log);
 
 /* The box cut out of the mask, 0 outside the frame. Empty when a side is below 1. */
 bytes crop_mask(const frame& mask, const mask_box& box);

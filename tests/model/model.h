@@ -41,37 +41,22 @@ struct placement {
     float angle = 0.0F;
 };
 
-struct size_result {
+/* What a caller can see of a call. */
+struct outcome {
     int32_t status = 0;
-    int32_t width = 0;
+    log_lines log;
+    int32_t width = 0; /* of the object or of its icon */
     int32_t height = 0;
-};
-
-struct cutout_result {
-    int32_t status = 0;
-    log_lines log;
-    int32_t width = 0; /* of the icon; meaningful when status is 0 */
-    int32_t height = 0;
-    bytes pixels;
-};
-
-struct verify_result {
-    int32_t status = 0;
-    log_lines log;
-};
-
-struct blend_result {
-    int32_t status = 0;
-    log_lines log;
-    bytes output; /* when status is 0; a failed call may leave its output alone or copy */
+    bytes pixels;      /* of the icon or of the output; a failed call has none */
+    bool clean = true; /* no byte is written that the call has to leave alone */
 };
 
 /* The version line ends after "build time:", pointers read "<ptr>"; see support/log_capture.h. */
-size_result get_icon_size(const frame& mask);
-cutout_result create_rgb_icon(const frame& source, const frame& mask, float zoom);
-verify_result verify_icon_pos(const frame& mask, const placement& place);
-blend_result image_blending(const frame& icon, const frame& destination, const frame& mask,
-                            const placement& place);
+outcome get_icon_size(const frame& mask);
+outcome create_rgb_icon(const frame& source, const frame& mask);
+outcome verify_icon_pos(const frame& mask, const placement& place);
+outcome image_blending(const frame& icon, const frame& destination, const frame& mask,
+                       const placement& place);
 
 }  // namespace model
 

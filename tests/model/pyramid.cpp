@@ -11,37 +11,29 @@ struct plane {
     int channels = 1;
     std::vector<int> values;
 
-    plane(int w, int h, int c)
-        : width(w),
-          height(h),
-          channels(c),
-          values(static_cast<size_t>(w) * static_cast<size_t>(h) * static_cast<size_t>(c)) {}
-
-    size_t index(int x, int y, int c) const {
-        return (static_cast<size_t>(y) * static_cast<size_t>(width) + static_cast<size_t>(x)) *
-                   static_cast<size_t>(channels) +
-               static_cast<size_t>(c);
+    int at(int x, int y, int c) const {
+        const int64_t pixel = int64_t{y} * width + x;
+        return values[static_cast<size_t>(pixel * channels + c)];
     }
-    int at(int x, int y, int c) const { return values[index(x, y, c)]; }
 };
 
 plane from_bytes(const bytes& data, int width, int height, int channels) {
-    plane result(width, height, channels);
-    std::copy(data.begin(), data.end(), result.values.begin());
-    return result;
+    return {width, height, channels, std::vector<int>(data.begin(), data.end())};
 }
 
-/* Applies rule(sample, i) to every output i of every row; sample(k) repeats the edges. */
-template <class Rule>
-plane along_x(const plane& in, int width, Rule rule) {
-    plane out(width, in.height, in.channels);
-    for (int y = 0; y < in.height; ++y) {
+/* Applies rule(sample, i) to every output i of every row, or of every column; sample(k) repeats the
+ * edges. */
+template <bool along_x, class Rule>
+plane filter(const plane& in, int width, int height, Rule rule) {
+    plane out{width, height, in.channels, {}};
+    for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             for (int c = 0; c < in.channels; ++c) {
                 const auto sample = [&](int k) {
-                    return in.at(std::clamp(k, 0, in.width - 1), y, c);
+                    return along_x ? in.at(std::clamp(k, 0, in.width - 1), y, c)
+                                   : in.at(x, std::clamp(k, 0, in.height - 1), c);
                 };
-                out.values[out.index(x, y, c)] = rule(sample, x);
+                out.values.push_back(rule(sample, along_x ? x : y));
             }
         }
     }
@@ -49,19 +41,8 @@ plane along_x(const plane& in, int width, Rule rule) {
 }
 
 template <class Rule>
-plane along_y(const plane& in, int height, Rule rule) {
-    plane out(in.width, height, in.channels);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < in.width; ++x) {
-            for (int c = 0; c < in.channels; ++c) {
-                const auto sample = [&](int k) {
-                    return in.at(x, std::clamp(k, 0, in.height - 1), c);
-                };
-                out.values[out.index(x, y, c)] = rule(sample, y);
-            }
-        }
-    }
-    return out;
+plane filter_both(const plane& in, int width, int height, Rule rule) {
+    return filter<false>(filter<true>(in, width, in.height, rule), width, height, rule);
 }
 
 /* 1 4 6 4 1 centred on 2i, rounded to a byte after each axis. */
@@ -70,7 +51,7 @@ plane reduce(const plane& in) {
         const int k = 2 * i;
         return (s(k - 2) + 4 * s(k - 1) + 6 * s(k) + 4 * s(k + 1) + s(k + 2) + 8) >> 4;
     };
-    return along_y(along_x(in, in.width / 2, rule), in.height / 2, rule);
+    return filter_both(in, in.width / 2, in.height / 2, rule);
 }
 
 /* 1 6 1 at even outputs, 4 4 at odd ones; the extra output of an odd side repeats the edge. */
@@ -80,7 +61,7 @@ plane expand(const plane& in, int width, int height) {
         if (i % 2 == 0) return (s(k - 1) + 6 * s(k) + s(k + 1) + 4) >> 3;
         return (4 * (s(k) + s(k + 1)) + 4) >> 3;
     };
-    return along_y(along_x(in, width, rule), height, rule);
+    return filter_both(in, width, height, rule);
 }
 
 /* Levels 0 .. count-1 are differences, level `count` is the coarsest picture itself. */
@@ -132,11 +113,7 @@ bytes pyramid_blend(const bytes& source, const bytes& destination, const bytes& 
             result.values[i] = std::clamp(result.values[i] + detail.values[i], 0, 255);
         }
     }
-    bytes packed;
-    packed.reserve(result.values.size());
-    for (const int value : result.values)
-        packed.push_back(static_cast<uint8_t>(value));
-    return packed;
+    return bytes(result.values.begin(), result.values.end());
 }
 
 }  // namespace model

@@ -1,7 +1,5 @@
 #include "resample.h"
 
-#include <stdlib.h>
-
 #include <algorithm>
 
 namespace model {
@@ -12,36 +10,24 @@ int64_t step_of(int64_t from, int64_t to) {
     return to == 1 ? 0 : (from * 128 + (to >> 1) - 128) / (to - 1);
 }
 
-struct tap_pair {
-    int64_t first = 0;
-    int64_t second = 0;
-    int64_t first_weight = 0;
-    int64_t second_weight = 128;
-};
-
-tap_pair taps_at(int64_t position, int64_t length) {
-    const int64_t nearest = (position + 64) >> 7;
-    const int64_t a = nearest * 128 < position ? nearest : nearest - 1;
-    const int64_t b = a + 1;
-    return {std::clamp<int64_t>(a, 0, length - 1), std::clamp<int64_t>(b, 0, length - 1),
-            128 - llabs(position - a * 128), 128 - llabs(b * 128 - position)};
-}
-
-/* Interpolates along one axis: `lines` lines of `from` samples become lines of `to` samples.
- * Sample k of line n lies at n * line_step + k * sample_step in units of pixels. */
+/* Interpolates along one axis: `lines` lines of `from` samples become lines of `to` samples. */
 bytes interpolate(const bytes& source, int from, int to, int lines, bool horizontal) {
     bytes result(static_cast<size_t>(to) * static_cast<size_t>(lines) * 3);
     const int64_t step = step_of(from, to);
     for (int64_t k = 0; k < to; ++k) {
-        const tap_pair taps = taps_at(k * step, from);
+        const int64_t position = k * step;
+        const int64_t before = (position - 1) >> 7; /* the last sample that lies before it */
+        const int64_t first = std::clamp<int64_t>(before, 0, from - 1);
+        const int64_t second = std::clamp<int64_t>(before + 1, 0, from - 1);
+        const int64_t second_weight = position - before * 128;
         for (int64_t line = 0; line < lines; ++line) {
             const auto byte_at = [&](int64_t sample, int64_t length, int64_t channel) {
                 const int64_t pixel = horizontal ? line * length + sample : sample * lines + line;
                 return static_cast<size_t>(pixel * 3 + channel);
             };
             for (int64_t c = 0; c < 3; ++c) {
-                const int64_t sum = source[byte_at(taps.first, from, c)] * taps.first_weight +
-                                    source[byte_at(taps.second, from, c)] * taps.second_weight + 64;
+                const int64_t sum = source[byte_at(first, from, c)] * (128 - second_weight) +
+                                    source[byte_at(second, from, c)] * second_weight + 64;
                 result[byte_at(k, to, c)] = static_cast<uint8_t>(sum >> 7);
             }
         }

@@ -13,33 +13,20 @@ struct axis {
 };
 
 axis place(int32_t frame_side, int32_t boxed, int32_t bare, int32_t center, float zoom) {
-    axis result;
-    result.frame_side = frame_side;
-    result.zoomed = truncate(static_cast<float>(boxed) * zoom);
-    result.near_edge =
+    const int64_t zoomed = truncate(static_cast<float>(boxed) * zoom);
+    const int64_t near_edge =
         truncate(static_cast<float>(center) - static_cast<float>(bare) * zoom * 0.5F);
-    result.far_edge = result.zoomed + result.near_edge - 1;
-    return result;
-}
-
-int64_t near_distance(const axis& a, int64_t margin) {
-    return a.near_edge - margin;
-}
-
-int64_t far_distance(const axis& a, int64_t margin) {
-    return a.frame_side - margin - a.far_edge;
+    return {frame_side, zoomed, near_edge, zoomed + near_edge - 1};
 }
 
 /* Moves the near edges inside. The far edges keep their first values, so that an overflow on the
  * right or below always ends as a seam. */
 void repair(axis& x, axis& y, log_lines& lines) {
-    const bool left = x.near_edge < 0;
-    const bool top = y.near_edge < 0;
-    if (left) {
+    if (x.near_edge < 0) {
         log(lines, 5, "dst xl overflow\n");
         x.near_edge = 0;
     }
-    if (top) {
+    if (y.near_edge < 0) {
         log(lines, 5, "dst yu overflow\n");
         y.near_edge = 0;
     }
@@ -54,10 +41,9 @@ void repair(axis& x, axis& y, log_lines& lines) {
 }
 
 int32_t verdict(const axis& x, const axis& y, int32_t margin, log_lines& lines) {
-    const int64_t xl = near_distance(x, margin);
-    const int64_t xr = far_distance(x, margin);
-    const int64_t yu = near_distance(y, margin);
-    const int64_t yd = far_distance(y, margin);
+    const int64_t xl = x.near_edge - margin, yu = y.near_edge - margin;
+    const int64_t xr = x.frame_side - margin - x.far_edge;
+    const int64_t yd = y.frame_side - margin - y.far_edge;
     log(lines, 5, "xl=%d,xr=%d,yu=%d,yd=%d\n", saturate(xl), saturate(xr - 1), saturate(yu),
         saturate(yd - 1));
     if (xr >= 1 && xl >= 0 && yu >= 0 && yd >= 1) return 0;
@@ -70,11 +56,11 @@ int32_t verdict(const axis& x, const axis& y, int32_t margin, log_lines& lines) 
 
 }  // namespace
 
-verify_result verify_icon_pos(const frame& mask, const placement& wanted) {
-    verify_result result;
-    const box_search found = find_mask_box(mask, true, margins::silent, result.log);
-    mask_box box = found.box;
-    if (!found.fits) {
+outcome verify_icon_pos(const frame& mask, const placement& wanted) {
+    outcome result;
+    log_lines unseen;
+    mask_box box = find_mask_box(mask, true, true, unseen);
+    if (!box.fits) {
         log(result.log, 6, "fital error!size too big\n");
         result.status = -1;
         return result;
@@ -85,7 +71,7 @@ verify_result verify_icon_pos(const frame& mask, const placement& wanted) {
         const rotation turn =
             make_rotation(saturate(int64_t{box.x0} + box.width / 2),
                           saturate(int64_t{box.y0} + box.height / 2), wanted.angle);
-        box = find_mask_box(rotate(mask, 1, turn), false, margins::logged, result.log).box;
+        box = find_mask_box(rotate(mask, 1, turn), false, true, result.log);
     }
     axis x = place(mask.width, box.width, box.bare_width, wanted.center_x, wanted.zoom);
     axis y = place(mask.height, box.height, box.bare_height, wanted.center_y, wanted.zoom);

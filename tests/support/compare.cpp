@@ -3,7 +3,6 @@
 #include <imageblend.h>
 
 #include <algorithm>
-#include <sstream>
 
 #include "guarded_bytes.h"
 #include "log_capture.h"
@@ -20,6 +19,7 @@ using ::testing::AssertionResult;
 using ::testing::AssertionSuccess;
 
 constexpr size_t guard_bytes = 64;
+constexpr uint8_t untouched = 0x5C;
 
 /* Most inputs end where a page ends that cannot be left; the others end anywhere, so that every
  * alignment occurs. */
@@ -33,59 +33,69 @@ guarded_bytes output(const model::bytes& content, uint64_t seed) {
 
 /* A blend whose object is too large for the destination keeps its buffers by design; no other call
  * may, so a leak sanitizer is told to look away from that one alone. */
-class allowed_leak {
-  public:
-    explicit allowed_leak(const scene& s) {
-        const bool may_exceed = !(s.place.zoom >= 0.0F && s.place.zoom <= 1.0F) ||
-                                s.place.angle != 0.0F || s.mask.data.empty() ||
-                                s.icon.width != s.destination.width ||
-                                s.icon.height != s.destination.height;
-        if (__lsan_disable == nullptr || !may_exceed) return;
-        const model::log_lines lines =
-            model::image_blending(s.icon, s.destination, s.mask, s.place).log;
-        allowed_ = lines.back().text.find("too big") != std::string::npos;
-        if (allowed_) __lsan_disable();
-    }
-    ~allowed_leak() {
-        if (allowed_) __lsan_enable();
-    }
-    allowed_leak(const allowed_leak&) = delete;
-    allowed_leak& operator=(const allowed_leak&) = delete;
-
-  private:
-    bool allowed_ = false;
-};
-
-std::string listed(const model::log_lines& lines) {
-    std::ostringstream text;
-    for (const model::log_line& line : lines) {
-        text << "\n    " << line.priority << " " << ::testing::PrintToString(line.text);
-    }
-    return text.str();
+bool keeps_buffers(const model::outcome& expected) {
+    return !expected.log.empty() && expected.log.back().text.find("too big") != std::string::npos;
 }
 
-AssertionResult same_status(int32_t expected, int32_t actual) {
-    if (expected == actual) return AssertionSuccess();
-    return AssertionFailure() << "\n  expected status " << expected << ", got " << actual;
-}
+model::outcome make_blend(const scene& s, aliasing alias, const model::outcome& expected) {
+    const bool into_icon = alias == aliasing::icon;
+    const bool into_destination = alias == aliasing::destination || alias == aliasing::both;
+    guarded_bytes icon = into_icon ? output(s.icon.data, s.seed) : input(s.icon.data, s.seed);
+    guarded_bytes destination = into_destination ? output(s.destination.data, s.seed)
+                                                 : input(s.destination.data, s.seed + 1);
+    guarded_bytes mask = input(s.mask.data, s.seed + 2);
+    guarded_bytes own = output(model::bytes(s.destination.data.size(), untouched), s.seed);
+    guarded_bytes& result = into_icon ? icon : into_destination ? destination : own;
+    const model::bytes before = result.content();
+    const blend_image icon_record{s.icon.width, s.icon.height,
+                                  alias == aliasing::both ? destination.data() : icon.data()};
+    const blend_image destination_record{s.destination.width, s.destination.height,
+                                         destination.data()};
+    const blend_image mask_record{s.mask.width, s.mask.height, mask.data()};
+    blend_image output_record{-77, 1234567, result.data()};
 
-AssertionResult holds(bool condition, const char* what) {
-    return condition ? AssertionSuccess() : AssertionFailure() << "\n  not so: " << what;
-}
-
-AssertionResult first_failure(const scene& s, std::initializer_list<AssertionResult> results) {
-    for (const AssertionResult& result : results) {
-        if (!result) return AssertionFailure() << describe(s) << result.message();
+    const bool may_leak = __lsan_disable != nullptr && keeps_buffers(expected);
+    model::outcome made;
+    clear_log();
+    if (may_leak) __lsan_disable();
+    made.status =
+        vorn_imageBlending(&icon_record, &destination_record, &mask_record, &output_record, 12345,
+                           -1, s.place.center_x, s.place.center_y, s.place.zoom, s.place.angle);
+    if (may_leak) __lsan_enable();
+    made.log = normalised(take_log());
+    made.clean = mask.holds(s.mask.data) && (into_icon || icon.holds(s.icon.data)) &&
+                 (into_destination || destination.holds(s.destination.data)) && result.intact() &&
+                 output_record.width == -77 && output_record.height == 1234567 &&
+                 output_record.data == result.data();
+    if (made.status == 0) {
+        made.pixels = result.content();
+    } else {
+        made.clean &= result.holds(before) || result.holds(s.destination.data);
     }
-    return AssertionSuccess();
+    return made;
+}
+
+AssertionResult same(const scene& s, const model::outcome& expected, const model::outcome& actual,
+                     int32_t width) {
+    const AssertionResult log = same_log(expected.log, actual.log);
+    const AssertionResult pixels = same_pixels(expected.pixels, actual.pixels, width);
+    if (expected.status == actual.status && expected.width == actual.width &&
+        expected.height == actual.height && log && pixels && actual.clean) {
+        return AssertionSuccess();
+    }
+    return AssertionFailure() << describe(s) << "\n  expected status " << expected.status
+                              << " and size " << expected.width << "x" << expected.height
+                              << ", got " << actual.status << " and " << actual.width << "x"
+                              << actual.height << log.message() << pixels.message()
+                              << (actual.clean ? "" : "\n  bytes are written that are not its own");
 }
 
 }  // namespace
 
 AssertionResult same_log(const model::log_lines& expected, const model::log_lines& actual) {
     if (expected == actual) return AssertionSuccess();
-    return AssertionFailure() << "\n  expected log:" << listed(expected)
-                              << "\n  actual log:" << listed(actual);
+    return AssertionFailure() << "\n  expected log: " << ::testing::PrintToString(expected)
+                              << "\n  actual log: " << ::testing::PrintToString(actual);
 }
 
 AssertionResult same_pixels(const model::bytes& expected, const model::bytes& actual,
@@ -95,145 +105,89 @@ AssertionResult same_pixels(const model::bytes& expected, const model::bytes& ac
         return AssertionFailure() << "\n  expected " << expected.size() << " bytes, got "
                                   << actual.size();
     }
-    size_t first = expected.size();
-    size_t count = 0;
-    for (size_t i = 0; i < expected.size(); ++i) {
-        if (expected[i] == actual[i]) continue;
-        first = std::min(first, i);
-        ++count;
-    }
-    const size_t row = static_cast<size_t>(std::max(width, 1));
-    return AssertionFailure() << "\n  " << count << " bytes differ, the first at pixel ("
-                              << first / 4 % row << "," << first / 4 / row << ") byte " << first % 4
-                              << ": expected " << int{expected[first]} << ", got "
-                              << int{actual[first]};
+    const auto [wanted, got] = std::mismatch(expected.begin(), expected.end(), actual.begin());
+    const auto at = wanted - expected.begin();
+    const int32_t row = std::max(width, 1);
+    return AssertionFailure() << "\n  pixel (" << at / 4 % row << "," << at / 4 / row << ") byte "
+                              << at % 4 << ": expected " << int{*wanted} << ", got " << int{*got};
 }
 
-blend_outcome run_blend(const scene& s, aliasing alias) {
-    const bool into_icon = alias == aliasing::icon;
-    const bool into_destination = alias == aliasing::destination || alias == aliasing::both;
-    guarded_bytes icon = into_icon ? output(s.icon.data, s.seed) : input(s.icon.data, s.seed);
-    guarded_bytes destination = into_destination ? output(s.destination.data, s.seed)
-                                                 : input(s.destination.data, s.seed + 1);
-    guarded_bytes mask = input(s.mask.data, s.seed + 2);
-    guarded_bytes own = output(model::bytes(s.destination.data.size(), 0x5C), s.seed);
-    guarded_bytes& result = into_icon ? icon : into_destination ? destination : own;
-    const blend_image icon_record{s.icon.width, s.icon.height,
-                                  alias == aliasing::both ? destination.data() : icon.data()};
-    const blend_image destination_record{s.destination.width, s.destination.height,
-                                         destination.data()};
-    const blend_image mask_record{s.mask.width, s.mask.height, mask.data()};
-    blend_image output_record{-77, 1234567, result.data()};
-
-    blend_outcome outcome;
-    outcome.before = result.content();
-    clear_log();
-    {
-        const allowed_leak leak(s);
-        outcome.status = vorn_imageBlending(&icon_record, &destination_record, &mask_record,
-                                            &output_record, 12345, -1, s.place.center_x,
-                                            s.place.center_y, s.place.zoom, s.place.angle);
-    }
-    outcome.log = normalised(take_log());
-    outcome.output = result.content();
-    outcome.inputs_kept = mask.content() == s.mask.data &&
-                          (into_icon || icon.content() == s.icon.data) &&
-                          (into_destination || destination.content() == s.destination.data);
-    outcome.guards_kept = icon.intact() && destination.intact() && mask.intact() && own.intact() &&
-                          output_record.width == -77 && output_record.height == 1234567 &&
-                          output_record.data == result.data();
-    return outcome;
+model::outcome run_blend(const scene& s, aliasing alias) {
+    if (__lsan_disable == nullptr) return make_blend(s, alias, {});
+    return make_blend(s, alias, model::image_blending(s.icon, s.destination, s.mask, s.place));
 }
 
 AssertionResult blend_matches(const scene& s, aliasing alias) {
-    const blend_outcome actual = run_blend(s, alias);
-    const model::blend_result expected =
-        model::image_blending(s.icon, s.destination, s.mask, s.place);
-    const bool kept_or_copied =
-        actual.output == actual.before || actual.output == s.destination.data;
-    return first_failure(
-        s, {same_status(expected.status, actual.status), same_log(expected.log, actual.log),
-            holds(actual.guards_kept, "no byte is written beside a buffer"),
-            holds(actual.inputs_kept, "no input is changed"),
-            expected.status == 0
-                ? same_pixels(expected.output, actual.output, s.destination.width)
-                : holds(kept_or_copied, "a failed call leaves the old output or the destination")});
+    const model::outcome expected = model::image_blending(s.icon, s.destination, s.mask, s.place);
+    return same(s, expected, make_blend(s, alias, expected), s.destination.width);
 }
 
-cutout_outcome run_cutout(const scene& s) {
-    const model::size_result size = model::get_icon_size(s.mask);
-    const int64_t pixels = int64_t{size.width} * size.height;
+model::outcome run_cutout(const scene& s) {
+    const model::outcome size = model::get_icon_size(s.mask);
     const bool any = size.width > 0 && size.height > 0;
+    const int64_t bytes = any ? int64_t{size.width} * size.height * 4 : 0;
+    const model::bytes before(static_cast<size_t>(bytes), untouched);
     guarded_bytes source = input(s.icon.data, s.seed);
     guarded_bytes mask = input(s.mask.data, s.seed + 1);
-    guarded_bytes icon =
-        output(model::bytes(any ? static_cast<size_t>(pixels) * 4 : 0, 0x5C), s.seed);
+    guarded_bytes icon = output(before, s.seed);
     /* the source's height is documented as unread */
     const blend_image source_record{s.icon.width, -3, source.data()};
     const blend_image mask_record{s.mask.width, s.mask.height, mask.data()};
     blend_image icon_record{-77, 1234567, icon.data()};
 
-    cutout_outcome outcome;
+    model::outcome made;
     clear_log();
-    outcome.status = vorn_create_rgb_icon(&source_record, &mask_record, &icon_record, s.place.zoom);
-    outcome.log = normalised(take_log());
-    outcome.width = icon_record.width;
-    outcome.height = icon_record.height;
-    outcome.pixels = icon.content();
-    outcome.guards_kept = source.intact() && mask.intact() && icon.intact() &&
-                          source.content() == s.icon.data && mask.content() == s.mask.data &&
-                          icon_record.data == icon.data();
-    return outcome;
+    made.status = vorn_create_rgb_icon(&source_record, &mask_record, &icon_record, s.place.zoom);
+    made.log = normalised(take_log());
+    made.clean = source.holds(s.icon.data) && mask.holds(s.mask.data) && icon.intact() &&
+                 icon_record.data == icon.data();
+    if (made.status == 0) {
+        made.width = icon_record.width;
+        made.height = icon_record.height;
+        made.pixels = icon.content();
+    } else {
+        made.clean &=
+            icon.holds(before) && icon_record.width == -77 && icon_record.height == 1234567;
+    }
+    return made;
 }
 
 AssertionResult cutout_matches(const scene& s) {
-    const cutout_outcome actual = run_cutout(s);
-    const model::cutout_result expected = model::create_rgb_icon(s.icon, s.mask, s.place.zoom);
-    const bool made = expected.status == 0;
-    const int32_t width = made ? expected.width : -77;
-    const int32_t height = made ? expected.height : 1234567;
-    const model::bytes untouched(actual.pixels.size(), 0x5C);
-    return first_failure(
-        s, {same_status(expected.status, actual.status), same_log(expected.log, actual.log),
-            holds(actual.guards_kept, "no byte is written outside the icon"),
-            holds(actual.width == width && actual.height == height, "the icon has its size"),
-            same_pixels(made ? expected.pixels : untouched, actual.pixels, expected.width)});
+    const model::outcome expected = model::create_rgb_icon(s.icon, s.mask);
+    return same(s, expected, run_cutout(s), expected.width);
 }
 
-verify_outcome run_verify(const scene& s) {
+model::outcome run_verify(const scene& s) {
     guarded_bytes mask = input(s.mask.data, s.seed);
-    verify_outcome outcome;
+    model::outcome made;
     clear_log();
-    outcome.status =
+    made.status =
         vorn_verify_icon_pos(mask.data(), s.mask.width, s.mask.height, -9, 31337, s.place.center_x,
                              s.place.center_y, s.place.zoom, s.place.angle);
-    outcome.log = normalised(take_log());
-    return outcome;
+    made.log = normalised(take_log());
+    made.clean = mask.holds(s.mask.data);
+    return made;
 }
 
 AssertionResult verify_matches(const scene& s) {
-    const verify_outcome actual = run_verify(s);
-    const model::verify_result expected = model::verify_icon_pos(s.mask, s.place);
-    return first_failure(
-        s, {same_status(expected.status, actual.status), same_log(expected.log, actual.log)});
+    return same(s, model::verify_icon_pos(s.mask, s.place), run_verify(s), 0);
+}
+
+model::outcome run_size(const model::frame& mask) {
+    guarded_bytes samples = input(mask.data, 3);
+    const blend_image record{mask.width, mask.height, samples.data()};
+    model::outcome made;
+    clear_log();
+    made.status = vorn_get_icon_size(&record, &made.width, &made.height);
+    made.log = take_log();
+    made.clean = samples.holds(mask.data);
+    return made;
 }
 
 AssertionResult size_matches(const model::frame& mask) {
-    guarded_bytes samples = input(mask.data, 3);
-    const blend_image record{mask.width, mask.height, samples.data()};
-    int32_t width = -77;
-    int32_t height = 1234567;
-    clear_log();
-    const int32_t status = vorn_get_icon_size(&record, &width, &height);
-    const model::log_lines lines = take_log();
-    const model::size_result expected = model::get_icon_size(mask);
-    if (status == 0 && lines.empty() && width == expected.width && height == expected.height) {
-        return AssertionSuccess();
-    }
-    return AssertionFailure() << "mask " << mask.width << "x" << mask.height << ": status "
-                              << status << ", " << lines.size() << " log lines, size " << width
-                              << "x" << height << ", expected " << expected.width << "x"
-                              << expected.height;
+    scene s;
+    s.mask = mask;
+    return same(s, model::get_icon_size(mask), run_size(mask), 0);
 }
 
 }  // namespace support

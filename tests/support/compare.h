@@ -4,8 +4,19 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 #include "model/model.h"
 #include "scene.h"
+
+namespace model {
+
+/* How GoogleTest prints a line. */
+inline void PrintTo(const log_line& line, std::ostream* out) {
+    *out << "\n    " << line.priority << " " << ::testing::PrintToString(line.text);
+}
+
+}  // namespace model
 
 namespace support {
 
@@ -13,35 +24,16 @@ namespace support {
  * two pictures of the scene must then be equal. */
 enum class aliasing { none, destination, icon, both };
 
-struct blend_outcome {
-    int32_t status = 0;
-    model::log_lines log; /* normalised */
-    model::bytes before;  /* the output's bytes before the call */
-    model::bytes output;
-    bool inputs_kept = true; /* no input byte changed, save those that the output shares */
-    bool guards_kept = true; /* nothing was written beside a buffer or into the output's record */
-};
-blend_outcome run_blend(const scene& s, aliasing alias = aliasing::none);
+/* Each makes one call; its log lines are normalised. The outcome is clean when the inputs, what
+ * lies beside the buffers and the fields that the call does not set are as they were, and when a
+ * failed call has left its results alone or, a blend, copied the destination into them. */
+model::outcome run_blend(const scene& s, aliasing alias = aliasing::none);
+model::outcome run_cutout(
+    const scene& s); /* the icon's buffer has the size that the mask asks for */
+model::outcome run_verify(const scene& s);
+model::outcome run_size(const model::frame& mask);
 
-struct cutout_outcome {
-    int32_t status = 0;
-    model::log_lines log;
-    int32_t width = 0;
-    int32_t height = 0;
-    model::bytes pixels;
-    bool guards_kept = true;
-};
-/* The icon's buffer has exactly the size that the mask asks for. */
-cutout_outcome run_cutout(const scene& s);
-
-struct verify_outcome {
-    int32_t status = 0;
-    model::log_lines log;
-};
-verify_outcome run_verify(const scene& s);
-
-/* Each makes one call and one model call and compares all that the caller can see. A failed blend
- * may have left its output alone or copied the destination into it. */
+/* Each makes one call and one model call and compares all that the caller can see. */
 ::testing::AssertionResult blend_matches(const scene& s, aliasing alias = aliasing::none);
 ::testing::AssertionResult cutout_matches(const scene& s);
 ::testing::AssertionResult verify_matches(const scene& s);
@@ -50,7 +42,7 @@ verify_outcome run_verify(const scene& s);
 ::testing::AssertionResult same_log(const model::log_lines& expected,
                                     const model::log_lines& actual);
 
-/* Bytes of colour pixels; the message names the first pixel that differs and counts the rest. */
+/* Bytes of colour pixels; the message names the first pixel that differs. */
 ::testing::AssertionResult same_pixels(const model::bytes& expected, const model::bytes& actual,
                                        int32_t width);
 

@@ -27,15 +27,11 @@ guarded_bytes::guarded_bytes(const model::bytes& content, size_t before, size_t 
     storage_ = at == side::start ? first : first + (inner - total_);
     for (size_t i = 0; i < total_; ++i)
         storage_[i] = pattern(i);
-    std::copy(content.begin(), content.end(), storage_ + before_);
+    std::copy(content.begin(), content.end(), data());
 }
 
 guarded_bytes::~guarded_bytes() {
     munmap(map_, mapped_);
-}
-
-model::bytes guarded_bytes::content() const {
-    return model::bytes(storage_ + before_, storage_ + before_ + size_);
 }
 
 bool guarded_bytes::intact() const {
@@ -44,6 +40,10 @@ bool guarded_bytes::intact() const {
         if (guard && storage_[i] != pattern(i)) return false;
     }
     return true;
+}
+
+bool guarded_bytes::holds(const model::bytes& expected) const {
+    return intact() && content() == expected;
 }
 
 }  // namespace support

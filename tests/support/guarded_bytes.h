@@ -21,8 +21,11 @@ class guarded_bytes {
     guarded_bytes& operator=(const guarded_bytes&) = delete;
 
     uint8_t* data() { return storage_ + before_; }
-    model::bytes content() const;
+    model::bytes content() const {
+        return model::bytes(storage_ + before_, storage_ + before_ + size_);
+    }
     bool intact() const;
+    bool holds(const model::bytes& expected) const; /* and is intact */
 
   private:
     size_t before_;

@@ -47,11 +47,8 @@ model::log_lines normalised(model::log_lines caught) {
     static const std::regex version("^(ImageBlending version .*build time:).*,time:.*\n$");
     static const std::regex pointer("(src_imageptr:|src_patchimage:)(0x[0-9a-f]+|\\(nil\\))");
     for (model::log_line& line : caught) {
-        if (line.text.rfind("ImageBlending", 0) == 0) {
-            line.text = std::regex_replace(line.text, version, "$1");
-        } else if (line.text.rfind("src_imageptr", 0) == 0) {
-            line.text = std::regex_replace(line.text, pointer, "$1<ptr>");
-        }
+        line.text = std::regex_replace(line.text, version, "$1");
+        line.text = std::regex_replace(line.text, pointer, "$1<ptr>");
     }
     return caught;
 }

@@ -1,6 +1,7 @@
 #include <math.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "scene.h"
 
@@ -12,12 +13,7 @@ namespace {
 constexpr int32_t telling_sides[] = {1,  2,  7,  8,  9,  15, 16, 17, 18, 24,  31,  32, 33,
                                      34, 40, 47, 48, 63, 64, 65, 66, 96, 127, 128, 129};
 
-struct frame_size {
-    int32_t width = 0;
-    int32_t height = 0;
-};
-
-frame_size choose_frame(dice& random) {
+std::pair<int32_t, int32_t> choose_frame(dice& random) {
     const int32_t kind = random.between(0, 99);
     if (kind < 7) return {random.between(1, 20), random.between(1, 20)};
     if (kind < 27) {
@@ -42,64 +38,52 @@ int32_t choose_start(dice& random, int32_t frame_side, int32_t side) {
     return random.between(0, room);
 }
 
-uint8_t set_value(dice& random, int32_t style) {
-    if (style == 0) return 255;
-    if (style == 1) return static_cast<uint8_t>(random.between(1, 255));
-    return 1;
-}
-
-/* True where pixel (x, y) of a unit square around the origin belongs to the figure. */
-bool in_figure(int32_t figure, float x, float y) {
-    const float radius = x * x + y * y;
-    if (figure == 1) return radius <= 1.0F;
-    if (figure == 2) return radius <= 1.0F && radius >= 0.4F;
-    return true;
-}
-
-const char* draw_object(dice& random, model::frame& mask, rectangle& box) {
-    static const char* const names[] = {"solid", "ellipse", "ring"};
+/* Draws an object of one of several kinds; the box shrinks to a single pixel with it. */
+void draw_object(dice& random, model::frame& mask, rectangle& box) {
     const int32_t style = random.percent(60) ? 0 : random.between(1, 2);
     const int32_t kind = random.between(0, 99);
-    if (kind < 4) return "empty";
-    if (kind < 10) box = {0, 0, mask.width, mask.height};
+    const auto set = [&](int32_t x, int32_t y) {
+        const int32_t value = style == 0 ? 255 : style == 1 ? random.between(1, 255) : 1;
+        fill(mask, {x, y, 1, 1}, static_cast<uint8_t>(value));
+    };
+    if (kind < 4) return;
     if (kind < 14) {
-        box = {box.x, box.y, 1, 1};
-        fill(mask, box, set_value(random, style));
-        return "single pixel";
+        box = kind < 10 ? rectangle{0, 0, 1, 1} : rectangle{box.x, box.y, 1, 1};
+        set(box.x, box.y);
+        return;
     }
     if (kind < 24) {
         for (int32_t n = random.between(2, 12); n > 0; --n) {
             const int32_t x = random.between(box.x, box.x + box.width - 1);
-            const int32_t y = random.between(box.y, box.y + box.height - 1);
-            fill(mask, {x, y, 1, 1}, set_value(random, style));
+            set(x, random.between(box.y, box.y + box.height - 1));
         }
-        return "specks";
+        return;
     }
-    const int32_t figure = kind < 60 ? 0 : (kind < 85 ? 1 : 2);
     for (int32_t y = 0; y < box.height; ++y) {
         for (int32_t x = 0; x < box.width; ++x) {
+            /* the box is a square of side 2 around the origin */
             const float unit_x =
                 static_cast<float>(2 * x + 1) / static_cast<float>(box.width) - 1.0F;
             const float unit_y =
                 static_cast<float>(2 * y + 1) / static_cast<float>(box.height) - 1.0F;
-            if (!in_figure(figure, unit_x, unit_y)) continue;
-            fill(mask, {box.x + x, box.y + y, 1, 1}, set_value(random, style));
+            const float radius = unit_x * unit_x + unit_y * unit_y;
+            const bool in_ellipse = radius <= 1.0F, in_ring = in_ellipse && radius >= 0.4F;
+            if (kind < 60 || (kind < 85 ? in_ellipse : in_ring)) set(box.x + x, box.y + y);
         }
     }
-    return names[figure];
 }
 
-model::frame choose_picture(dice& random, frame_size size, uint64_t seed) {
-    model::frame picture = noise_picture(size.width, size.height, seed);
+model::frame choose_picture(dice& random, const model::frame& mask, uint64_t seed) {
+    model::frame picture = noise_picture(mask.width, mask.height, seed);
     const int32_t kind = random.between(0, 99);
     if (kind < 50) return picture; /* noise */
     const uint8_t flat = random.byte();
     for (size_t i = 0; i < picture.data.size(); ++i) {
         if (i % 4 == 0) continue;
         uint8_t& value = picture.data[i];
-        if (kind < 75) value = value < 128 ? 0 : 255; /* the largest differences there are */
-        if (kind >= 75 && kind < 90) value = static_cast<uint8_t>((i / 4) % 200 + value % 16);
-        if (kind >= 90) value = flat;
+        const auto noisy_ramp = static_cast<uint8_t>((i / 4) % 200 + value % 16);
+        const uint8_t extreme = value < 128 ? 0 : 255; /* the largest differences there are */
+        value = kind < 75 ? extreme : kind < 90 ? noisy_ramp : flat;
     }
     return picture;
 }
@@ -149,17 +133,17 @@ scene random_scene(uint64_t seed) {
     dice random(seed);
     scene s;
     s.seed = seed;
-    const frame_size size = choose_frame(random);
+    const auto [width, height] = choose_frame(random);
     rectangle box;
-    box.width = choose_side(random, size.width);
-    box.height = choose_side(random, size.height);
-    box.x = choose_start(random, size.width, box.width);
-    box.y = choose_start(random, size.height, box.height);
-    s.mask = empty_mask(size.width, size.height);
-    s.kind = draw_object(random, s.mask, box);
-    s.icon = choose_picture(random, size, 2 * seed);
-    s.destination = choose_picture(random, size, 2 * seed + 1);
-    s.place = {choose_center(random, size.width), choose_center(random, size.height),
+    box.width = choose_side(random, width);
+    box.height = choose_side(random, height);
+    box.x = choose_start(random, width, box.width);
+    box.y = choose_start(random, height, box.height);
+    s.mask = empty_mask(width, height);
+    draw_object(random, s.mask, box);
+    s.icon = choose_picture(random, s.mask, 2 * seed);
+    s.destination = choose_picture(random, s.mask, 2 * seed + 1);
+    s.place = {choose_center(random, width), choose_center(random, height),
                choose_zoom(random, box), choose_angle(random)};
     return s;
 }

@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <numeric>
 #include <sstream>
 
 namespace support {
@@ -14,7 +15,7 @@ size_t pixel_count(int32_t width, int32_t height) {
     return static_cast<size_t>(width) * static_cast<size_t>(height);
 }
 
-uint64_t number_from_environment(const char* name, uint64_t usual) {
+uint64_t from_environment(const char* name, uint64_t usual) {
     const char* text = getenv(name);
     return text == nullptr ? usual : strtoull(text, nullptr, 10);
 }
@@ -26,13 +27,6 @@ model::frame noise_picture(int32_t width, int32_t height, uint64_t seed) {
     model::frame picture{width, height, model::bytes(pixel_count(width, height) * 4)};
     for (uint8_t& value : picture.data)
         value = random.byte();
-    return picture;
-}
-
-model::frame flat_picture(int32_t width, int32_t height, uint8_t alpha, uint8_t value) {
-    model::frame picture{width, height, model::bytes(pixel_count(width, height) * 4, value)};
-    for (size_t i = 0; i < picture.data.size(); i += 4)
-        picture.data[i] = alpha;
     return picture;
 }
 
@@ -54,7 +48,6 @@ void fill(model::frame& mask, rectangle area, uint8_t value) {
 scene solid_scene(int32_t width, int32_t height, rectangle object, uint64_t seed) {
     scene s;
     s.seed = seed;
-    s.kind = "solid";
     s.icon = noise_picture(width, height, 2 * seed);
     s.destination = noise_picture(width, height, 2 * seed + 1);
     s.mask = empty_mask(width, height);
@@ -64,23 +57,26 @@ scene solid_scene(int32_t width, int32_t height, rectangle object, uint64_t seed
     return s;
 }
 
+scene placed(scene s, float zoom, float angle) {
+    s.place.zoom = zoom;
+    s.place.angle = angle;
+    return s;
+}
+
 std::string describe(const scene& s) {
     std::ostringstream text;
     text.precision(9);
-    text << "seed " << s.seed << " (" << s.kind << "): icon " << s.icon.width << "x"
-         << s.icon.height << ", destination " << s.destination.width << "x" << s.destination.height
-         << ", mask " << s.mask.width << "x" << s.mask.height << ", centre (" << s.place.center_x
-         << "," << s.place.center_y << "), zoom " << s.place.zoom << ", angle " << s.place.angle;
+    text << "seed " << s.seed << ": icon " << s.icon.width << "x" << s.icon.height
+         << ", destination " << s.destination.width << "x" << s.destination.height << ", mask "
+         << s.mask.width << "x" << s.mask.height << ", centre (" << s.place.center_x << ","
+         << s.place.center_y << "), zoom " << s.place.zoom << ", angle " << s.place.angle;
     return text.str();
 }
 
-int random_calls(int usual) {
-    return static_cast<int>(
-        number_from_environment("IMAGEBLEND_TEST_CALLS", static_cast<uint64_t>(usual)));
-}
-
-uint64_t first_seed() {
-    return number_from_environment("IMAGEBLEND_TEST_SEED", 1);
+std::vector<uint64_t> seeds(size_t usual) {
+    std::vector<uint64_t> result(from_environment("IMAGEBLEND_TEST_CALLS", usual));
+    std::iota(result.begin(), result.end(), from_environment("IMAGEBLEND_TEST_SEED", 1));
+    return result;
 }
 
 }  // namespace support

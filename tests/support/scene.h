@@ -6,6 +6,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 #include "model/model.h"
 
@@ -13,7 +14,6 @@ namespace support {
 
 struct scene {
     uint64_t seed = 0;
-    std::string kind; /* how it was made, for failure messages */
     model::frame icon;
     model::frame destination;
     model::frame mask;
@@ -55,16 +55,16 @@ scene random_scene(uint64_t seed);
 scene solid_scene(int32_t width, int32_t height, rectangle object, uint64_t seed);
 
 model::frame noise_picture(int32_t width, int32_t height, uint64_t seed);
-model::frame flat_picture(int32_t width, int32_t height, uint8_t alpha, uint8_t value);
 model::frame empty_mask(int32_t width, int32_t height);
 void fill(model::frame& mask, rectangle area, uint8_t value);
 
+scene placed(scene s, float zoom, float angle = 0);
+
 std::string describe(const scene& s);
 
-/* Calls a random test makes: IMAGEBLEND_TEST_CALLS, else `usual`. The seeds of one test start at
- * IMAGEBLEND_TEST_SEED, else at 1, so that a failing call can be repeated alone. */
-int random_calls(int usual);
-uint64_t first_seed();
+/* The seeds of a random test's calls: IMAGEBLEND_TEST_CALLS of them, else `usual`, from
+ * IMAGEBLEND_TEST_SEED on, else from 1, so that a failing call can be repeated alone. */
+std::vector<uint64_t> seeds(size_t usual);
 
 }  // namespace support
 
