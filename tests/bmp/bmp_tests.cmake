@@ -1,7 +1,7 @@
 # Tests of the bitmap dumps.
 add_executable(bmp_tests
     bmp/bmp_files.cpp
-    bmp/bmp_hostile_test.cpp
+    bmp/bmp_foreign_test.cpp
     bmp/bmp_test.cpp
     pool/faults.cpp)
 # Both trees have a folder bmp, and the library's comes first.
@@ -13,14 +13,3 @@ foreach(function malloc calloc free pthread_create pthread_join pthread_mutex_in
     target_link_options(bmp_tests PRIVATE -Wl,--wrap=${function})
 endforeach()
 gtest_discover_tests(bmp_tests DISCOVERY_TIMEOUT 60)
-
-# Files exchanged with ImageMagick; skipped where that is not installed. The script runs only
-# programs of this machine.
-if(CMAKE_CROSSCOMPILING)
-    return()
-endif()
-add_executable(bmp_exchange bmp/bmp_exchange.cpp)
-target_link_libraries(bmp_exchange PRIVATE imageblend_flags imageblend_bmp)
-add_test(NAME bmp_imagemagick
-    COMMAND bash ${CMAKE_CURRENT_SOURCE_DIR}/bmp/imagemagick_test.sh $<TARGET_FILE:bmp_exchange>)
-set_tests_properties(bmp_imagemagick PROPERTIES SKIP_RETURN_CODE 77 TIMEOUT 120)
