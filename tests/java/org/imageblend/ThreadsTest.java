@@ -1,5 +1,6 @@
 package org.imageblend;
 
+import static org.imageblend.Frames.*;
 import static org.junit.Assert.assertEquals;
 
 import java.io.BufferedReader;
@@ -8,69 +9,50 @@ import java.io.IOException;
 import java.io.InputStreamReader;
 import java.nio.ByteBuffer;
 import java.util.Arrays;
+import java.util.Collections;
+import java.util.stream.Collectors;
+import java.util.stream.IntStream;
 import org.junit.Test;
 
 /** Blends from many threads: the log of a process of its own shows that none begins in another. */
 public class ThreadsTest {
-    private static final int THREADS = 4;
-    private static final int BLENDS = 8;
+    private static final int BLENDS = 33;
 
     /** Blends in all threads at once, half of them in arrays and half in buffers. */
-    public static void main(String[] arguments) throws InterruptedException {
-        final int[] expected = blend(false);
-        final Thread[] threads = new Thread[THREADS];
-        for (int i = 0; i < THREADS; i++) {
-            final boolean inBuffers = i % 2 == 1;
-            threads[i] = new Thread(() -> {
-                for (int done = 0; done < BLENDS; done++) {
-                    if (!Arrays.equals(expected, blend(inBuffers)))
-                        System.out.println("a blend gave other pixels");
-                }
-            });
-        }
-        for (Thread thread : threads)
-            thread.start();
-        for (Thread thread : threads)
-            thread.join();
-    }
-
-    private static int[] blend(boolean inBuffers) {
-        final ByteBuffer bytes = Frames.bytes(Frames.PIXELS * 4);
-        final int[] output = new int[Frames.PIXELS];
-        if (inBuffers) {
-            ImageBlend.blend(Frames.bytesOf(Frames.noise(1)), Frames.bytesOf(Frames.noise(2)),
-                Frames.mask(), bytes, Frames.WIDTH, Frames.HEIGHT, 80, 60, 1.5f, 40);
-        } else {
-            ImageBlend.blend(Frames.noise(1), Frames.noise(2), Frames.mask(), output, Frames.WIDTH,
-                Frames.HEIGHT, 80, 60, 1.5f, 40);
-        }
-        return inBuffers ? Frames.pixelsOf(bytes) : output;
+    public static void main(String[] arguments) {
+        final int[] expected = new int[PIXELS];
+        blend(noise(1), noise(2), expected);
+        IntStream.range(1, BLENDS).parallel().forEach(i -> {
+            final int[] output = new int[PIXELS];
+            if (i % 2 == 0) {
+                blend(noise(1), noise(2), output);
+            } else {
+                final ByteBuffer bytes = bytesOf(output);
+                blend(bytesOf(noise(1)), bytesOf(noise(2)), bytes);
+                bytes.asIntBuffer().get(output);
+            }
+            if (!Arrays.equals(expected, output)) System.exit(1);
+        });
     }
 
     @Test
     public void blendsDoNotOverlap() throws IOException, InterruptedException {
         final ProcessBuilder command =
             new ProcessBuilder(new File(System.getProperty("java.home"), "bin/java").getPath(),
-                "-Xcheck:jni", "-Djava.library.path=" + System.getProperty("java.library.path"),
-                "-cp", System.getProperty("java.class.path"), ThreadsTest.class.getName());
+                "-Xcheck:jni", "-Djava.util.concurrent.ForkJoinPool.common.parallelism=4",
+                "-Djava.library.path=" + System.getProperty("java.library.path"), "-cp",
+                System.getProperty("java.class.path"), ThreadsTest.class.getName());
         command.environment().put("IMAGEBLEND_LOG", "debug");
         final Process process = command.redirectErrorStream(true).start();
-        int running = 0;
-        int finished = 0;
+        final String log;
         try (BufferedReader lines =
                  new BufferedReader(new InputStreamReader(process.getInputStream()))) {
-            for (String line = lines.readLine(); line != null; line = lines.readLine()) {
-                if (line.contains("time_cost_start")) assertEquals(line, 1, ++running);
-                if (line.contains("time_cost_end")) {
-                    assertEquals(line, 0, --running);
-                    finished++;
-                }
-                assertEquals(line, -1, line.indexOf("other pixels"));
-            }
-        } finally {
-            process.destroy();
+            log = lines.lines()
+                      .filter(line -> line.contains("time_cost_"))
+                      .map(line -> line.contains("time_cost_start") ? "start" : " end ")
+                      .collect(Collectors.joining());
         }
-        assertEquals(0, process.waitFor());
-        assertEquals(1 + THREADS * BLENDS, finished);
+        assertEquals(String.join("", Collections.nCopies(BLENDS, "start end ")), log);
+        assertEquals("a blend gave other pixels", 0, process.waitFor());
     }
 }
