@@ -5,11 +5,13 @@ tool=$(realpath "$1")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work" || exit 1
-unset IMAGEBLEND_LOG
+# Nothing of the login that runs the test matters.
+export LC_ALL=C SHELL=/bin/sh HOME="$work"
+unset IMAGEBLEND_LOG PARALLEL
 failures=0
 
 fail() {
-    echo "FAILED: $*"
+    echo "FAILED: $*: $last"
     [ -s err ] && tail -n 20 err | sed 's/^/    stderr: /'
     failures=$((failures + 1))
 }
@@ -18,14 +20,23 @@ fail() {
 run() {
     local wanted=$1 status
     shift
+    last="$*"
     "$tool" "$@" >out 2>err
     status=$?
-    [ $status -eq "$wanted" ] || fail "status $status instead of $wanted: $*"
-    last="$*"
+    [ $status -eq "$wanted" ] || fail "status $status instead of $wanted"
 }
-says() { grep -qF -- "$1" err || fail "no '$1' on standard error: $last"; }
-no_leftovers() { [ -z "$(find . -name '.imageblend*')" ] || fail "a temporary file is left: $last"; }
+says() { grep -qF -- "$1" err || fail "no '$1' on standard error"; }
+no_leftovers() { [ -z "$(find . -name '.imageblend*')" ] || fail "a temporary file is left"; }
+# wait_for COUNT FOLDER PATTERN: until so many files of these names are there
+wait_for() {
+    for _ in $(seq 600); do
+        [ "$(find "$2" -name "$3" | wc -l)" -lt "$1" ] || return 0
+        sleep 0.02
+    done
+    fail "no $1 files $3 in $2"
+}
 
+size() { echo "$(vipsheader -f width "$1")x$(vipsheader -f height "$1")"; }
 # flat FILE WIDTH HEIGHT VALUE BANDS
 flat() {
     vips black flat.v "$2" "$3" --bands "$5"
@@ -38,8 +49,12 @@ rectangle() {
     vips embed rectangle.v "$1" "$4" "$5" "$2" "$3"
 }
 
-# finish: the last line of a test
-finish() {
+# groups NAME...: runs the functions of these names and ends the test.
+groups() {
+    for group in "$@"; do
+        last=$group
+        $group
+    done
     [ $failures -eq 0 ] && echo "all passed"
     exit $((failures > 0))
 }
