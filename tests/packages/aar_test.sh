@@ -16,19 +16,16 @@ fault() {
     failures=$((failures + 1))
 }
 
-stub=(-shared -nostdlib -fPIC -x c - -L. "-Wl,-z,relro" "-Wl,-z,now")
 four='int vorn_get_icon_size(void){return 0;} int vorn_create_rgb_icon(void){return 0;}
 int vorn_verify_icon_pos(void){return 0;} int vorn_imageBlending(void){return 0;}'
 
 # library FILE SOURCE OPTION...: a stub of 16 KB pages for x86_64.
 library() {
-    echo "$2" | "$cc" "${stub[@]}" -Wl,-z,max-page-size=16384 -Wl,-soname,"$1" -o "$1" "${@:3}"
+    echo "$2" | "$cc" -shared -nostdlib -fPIC -x c - -L. -Wl,-z,relro -Wl,-z,now \
+        -Wl,-z,max-page-size=16384 -Wl,-soname,"$1" -o "$1" "${@:3}"
     set_machine "$1" '\x3e'
 }
-
-set_machine() {
-    printf %b "$2\x00" | dd of="$1" bs=1 seek=18 conv=notrunc status=none
-}
+set_machine() { printf %b "$2\x00" | dd of="$1" bs=1 seek=18 conv=notrunc status=none; }
 
 library libimageblend.so "$four"
 library libimageblend_jni.so 'int vorn_get_icon_size(void); int JNI_OnLoad(void);
@@ -41,9 +38,9 @@ for name in libimageblend.so libimageblend_jni.so; do
 done
 
 make_aar=("$root/scripts/make-aar.sh" --libs libs --ndk 26)
-"${make_aar[@]}" whole.aar || exit 1
+"${make_aar[@]}" whole.aar
 find libs -exec touch -d 2001-02-03 {} +
-(umask 077 && TZ=Asia/Tokyo "${make_aar[@]}" again.aar) || exit 1
+(umask 077 && TZ=Asia/Tokyo "${make_aar[@]}" again.aar)
 cmp whole.aar again.aar || fault "two packages of the same libraries differ"
 
 # broken MESSAGE COMMAND: runs the command in the unpacked package and expects the fault's message.
@@ -61,7 +58,6 @@ broken() {
 
 jni=jni/x86_64/libimageblend.so
 prefab=prefab/modules/imageblend
-swap="cp ../libimageblend.so $jni; cp ../libimageblend.so $prefab/libs/android.x86_64/"
 broken 'jni/x86_64/libimageblend_jni.so is missing' 'rm jni/x86_64/libimageblend_jni.so'
 broken 'jni/x86/libimageblend.so does not belong here' "mkdir jni/x86; cp $jni jni/x86/"
 broken 'is built for AArch64' 'cp jni/arm64-v8a/libimageblend_jni.so jni/x86_64/'
@@ -74,19 +70,18 @@ broken "has minSdkVersion ['21']" 'sed -i s/24/21/ AndroidManifest.xml'
 broken 'proguard.txt does not keep' 'sed -i s/native/public/ proguard.txt'
 broken 'classes.jar holds' 'touch R; jar uf classes.jar R; rm R'
 
-library libimageblend.so "$four" -Wl,-z,max-page-size=4096
-broken 'has segments aligned to 4096' "$swap"
-library libimageblend.so "$four int other(void){return 0;}"
-broken "'other'" "$swap"
-library libimageblend.so "$four" -Wl,-z,norelro
-broken 'has no GNU_RELRO segment' "$swap"
-library libimageblend.so "$four" -Wl,-z,lazy
-broken 'has no BIND_NOW flag' "$swap"
-library libimageblend.so "$four" -Wl,-soname,libother.so
-broken "has the soname ['libother.so']" "$swap"
+# broken_library MESSAGE SOURCE OPTION...: the same with another libimageblend.so.
+broken_library() {
+    library libimageblend.so "${@:2}"
+    broken "$1" "cp ../libimageblend.so $jni; cp $jni $prefab/libs/android.x86_64/"
+}
+broken_library 'has segments aligned to 4096' "$four" -Wl,-z,max-page-size=4096
+broken_library "'other'" "$four int other(void){return 0;}"
+broken_library 'has no GNU_RELRO segment' "$four" -Wl,-z,norelro
+broken_library 'has no BIND_NOW flag' "$four" -Wl,-z,lazy
+broken_library "has the soname ['libother.so']" "$four" -Wl,-soname,libother.so
 library libc++_shared.so 'int cxx(void){return 0;}'
-library libimageblend.so "$four" -Wl,--no-as-needed -l:libc++_shared.so
-broken "needs ['libc++_shared.so']" "$swap"
+broken_library "needs ['libc++_shared.so']" "$four" -Wl,--no-as-needed -l:libc++_shared.so
 
 # Without an NDK: one line that names the variable, and no file.
 status=0
