@@ -30,7 +30,7 @@ grep -q "imageblend_VERSION=$version$" "$work/log" || fail "$(cat "$work/log")"
 "$cmake" --build "$work/consumer-$version" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
 said=$("$work/consumer-$version/consumer")
 [ "$said" = "$version 2x1" ] || fail "the CMake consumer says $said"
-configure $((major + 1)).0 >"$work/log" && fail "version $version passes for the next major one"
+configure $((major - 1)).0 >"$work/log" && fail "version $version passes for the major one before it"
 
 pc=$(cd "$prefix" && find . -name imageblend.pc)
 PKG_CONFIG_PATH=$(dirname "$prefix/$pc")
