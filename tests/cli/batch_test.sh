@@ -137,12 +137,24 @@ terminal() {
     complete seen
 }
 
-# The same file split by GNU parallel, which shares the parts among machines in the same way.
-split() {
+# The same file split among machines by GNU parallel: two names behind a stand-in for ssh, which
+# runs the command here.
+machines() {
     command -v parallel >/dev/null || { echo "GNU parallel is not installed"; return; }
-    many split
-    parallel --will-cite --pipe -N 25 -j 2 "$tool" batch - <split.jsonl 2>err || fail "status $?"
-    complete split
+    cat >ssh <<'END'
+#!/bin/sh
+while [ "$1" != one ] && [ "$1" != two ]; do shift; done
+echo "$1" >>hosts
+shift
+[ "$1" != -- ] || shift
+exec sh -c "$*"
+END
+    chmod +x ssh
+    many shared
+    PARALLEL_SSH=$work/ssh parallel --will-cite --pipe -N 25 --sshlogin 2/one,2/two --wd "$work" \
+        "$tool" batch - <shared.jsonl 2>err || fail "status $?"
+    [ "$(sort -u hosts | xargs)" = "one two" ] || fail "not all machines were used"
+    complete shared
 }
 
-groups reference lines lost_process interrupts terminal split
+groups reference lines lost_process interrupts terminal machines
