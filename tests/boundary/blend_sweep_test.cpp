@@ -1,5 +1,5 @@
-/* Sizes swept one by one: every depth of the pyramid, odd and even sides at every level, every
- * remainder of the bands and of the vector widths. */
+// Sizes swept one by one: every depth of the pyramid, odd and even sides at every level, every
+// remainder of the bands and of the vector widths.
 #include <gtest/gtest.h>
 
 #include "support/compare.h"
@@ -12,7 +12,7 @@ using support::placed;
 using support::scene;
 using support::solid_scene;
 
-/* A mask that is set everywhere, with all values, so that the box is the frame. */
+// A mask that is set everywhere, with all values, so that the box is the frame.
 scene whole_frame(int32_t width, int32_t height, uint64_t seed) {
     scene s = solid_scene(width, height, {0, 0, width, height}, seed);
     for (size_t i = 0; i < s.mask.data.size(); ++i)
@@ -34,8 +34,8 @@ TEST(BlendSweep, OfEveryShortSideAndZoom) {
     }
 }
 
-/* At zoom 1 the rectangle of a whole frame starts left of and above it. Shrunk whole frames reach
- * every depth at every box size, at a place inside the frame. */
+// At zoom 1 the rectangle of a whole frame starts left of and above it. Shrunk whole frames reach
+// every depth at every box size, at a place inside the frame.
 TEST(BlendSweep, OfWholeFrames) {
     for (int32_t side = 1; side <= 68; ++side) {
         for (const int32_t other : {1, 2, 16, 19, 33, 68}) {
@@ -52,7 +52,7 @@ TEST(BlendSweep, OfWholeFrames) {
     }
 }
 
-/* Depth 4 from 256 pixels on, and not 5 from 512 on. */
+// Depth 4 from 256 pixels on, and not 5 from 512 on.
 TEST(BlendSweep, OfLargeObjects) {
     const int32_t sides[][2] = {{255, 255}, {256, 257}, {300, 271}, {513, 515}};
     for (const auto& side : sides) {
@@ -64,7 +64,7 @@ TEST(BlendSweep, OfLargeObjects) {
     ASSERT_TRUE(blend_matches(placed(solid_scene(520, 500, {100, 90, 300, 310}, 6), 0.9F, 17)));
 }
 
-/* From 128 outputs on the last sample of the mask's resize may fall beyond the source's edge. */
+// From 128 outputs on the last sample of the mask's resize may fall beyond the source's edge.
 TEST(BlendSweep, OfEveryLengthOfALongMask) {
     const scene wide = whole_frame(260, 26, 13), high = whole_frame(26, 260, 13);
     for (int32_t length = 126; length <= 258; ++length) {
@@ -74,7 +74,7 @@ TEST(BlendSweep, OfEveryLengthOfALongMask) {
     }
 }
 
-/* Turning a long bar moves parts of it out of the frame and its box about the old centre. */
+// Turning a long bar moves parts of it out of the frame and its box about the old centre.
 TEST(BlendSweep, OfTurnedBoxesThatReachOutsideTheFrame) {
     for (int32_t at = 0; at <= 70; at += 7) {
         for (const float angle : {90.0F, 45.0F, -30.0F, 179.0F}) {

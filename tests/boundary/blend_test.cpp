@@ -37,15 +37,15 @@ TEST(Blend, OfSpecialPlacements) {
         support::rectangle object;
         model::placement place;
     } table[] = {
-        /* a box of 56 x 56 as large as the destination, and a little larger */
+        // a box of 56 x 56 as large as the destination, and a little larger
         {{40, 50, 40, 40}, {60, 60, 2.0F, 0}},
         {{40, 50, 40, 40}, {60, 60, 2.02F, 0}},
-        /* the corner is rounded to single precision before it is cut to an integer */
+        // the corner is rounded to single precision before it is cut to an integer
         {{50, 50, 30, 12}, {100, 100, nextafterf(0.2F, 1.0F), 0}},
-        /* whole turns resample too, as the constant for pi is cut to eight digits */
+        // whole turns resample too, as the constant for pi is cut to eight digits
         {{30, 22, 33, 41}, {60, 60, 1, 360}},
         {{30, 22, 33, 41}, {60, 60, 1, 3600}},
-        /* no turn in single precision */
+        // no turn in single precision
         {{30, 22, 33, 41}, {60, 60, 1, 1e-45F}},
     };
     for (const auto& [object, place] : table) {

@@ -1,4 +1,4 @@
-/* Records that a call cannot use: null pointers, sizes that differ, sides below 1. */
+// Records that a call cannot use: null pointers, sizes that differ, sides below 1.
 #include <gtest/gtest.h>
 #include <imageblend.h>
 
@@ -18,7 +18,7 @@ TEST(Frames, NullPointersAreRefusedInSilence) {
     const model::bytes before = result;
     int32_t width = -77, height = -78;
     support::clear_log();
-    for (int part = 0; part < 8; ++part) { /* a null record or null pixels in turn */
+    for (int part = 0; part < 8; ++part) {  // a null record or null pixels in turn
         blend_image mask{8, 8, samples.data()}, icon{8, 8, colours.data()};
         blend_image output{8, 8, result.data()}, destination{8, 8, colours.data()};
         blend_image* r[] = {&mask, &icon, &output, &destination};
@@ -39,7 +39,7 @@ TEST(Frames, NullPointersAreRefusedInSilence) {
     EXPECT_TRUE(width == -77 && height == -78 && result == before && support::take_log().empty());
 }
 
-/* A destination too small for the box fails there first. */
+// A destination too small for the box fails there first.
 TEST(Frames, SizesThatDifferAreRefusedWithOneLine) {
     const int32_t sizes[][2] = {{49, 40}, {51, 40}, {50, 39}, {50, 41}, {35, 40}};
     for (const auto& size : sizes) {

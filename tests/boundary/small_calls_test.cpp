@@ -1,4 +1,4 @@
-/* The three functions that look at a mask or cut it out. */
+// The three functions that look at a mask or cut it out.
 #include <gtest/gtest.h>
 #include <imageblend.h>
 #include <math.h>
@@ -53,25 +53,25 @@ TEST(Cutout, TakesAlphaFromTheMaskAndLogs) {
 }
 
 TEST(Cutout, OfOddSizesAndZooms) {
-    /* no object; for a single row or column that is a negative number of bytes */
+    // no object; for a single row or column that is a negative number of bytes
     for (const auto& [width, height] : {std::pair(100, 100), std::pair(100, 1), std::pair(1, 100)})
         EXPECT_TRUE(cutout_matches(solid_scene(width, height, {0, 0, 0, 0}, 2)));
     scene s = solid_scene(20, 13, {3, 2, 17, 11}, 5);
-    /* the source's own width is the length of its rows; past its end the edge pixels are read */
+    // the source's own width is the length of its rows; past its end the edge pixels are read
     for (const int32_t width : {1, 5, 19, 20, 21, 40}) {
         s.icon = support::noise_picture(width, 13, 6);
         EXPECT_TRUE(cutout_matches(s));
     }
 }
 
-/* A 40 x 40 square has 8 pixels of margin: its box is 56 x 56, placed from x - 20. */
+// A 40 x 40 square has 8 pixels of margin: its box is 56 x 56, placed from x - 20.
 TEST(Verify, KnownVerdictsOfASquare) {
     const struct {
         int32_t center_x, center_y, status;
         const char* first_line;
     } table[] = {{100, 100, 0, "xl=72,xr=56,yu=72,yd=56\n"},
                  {27, 28, 1, "xl=-1,xr=129,yu=0,yd=128\n"},
-                 /* the right edge lies at 1 + 156 - 1 + 56 - 20 = 192 = 200 - 8 */
+                 // the right edge lies at 1 + 156 - 1 + 56 - 20 = 192 = 200 - 8
                  {157, 156, 1, "xl=129,xr=-1,yu=128,yd=0\n"},
                  {0, 220, 1, "dst xl overflow\n"}};
     scene s = solid_scene(200, 200, {50, 50, 40, 40}, 1);
@@ -85,23 +85,23 @@ TEST(Verify, KnownVerdictsOfASquare) {
 }
 
 TEST(Verify, OfLargeBoxes) {
-    const scene wide = solid_scene(60, 60, {8, 20, 44, 20}, 1); /* a box as wide as the frame */
+    const scene wide = solid_scene(60, 60, {8, 20, 44, 20}, 1);  // a box as wide as the frame
     for (int32_t center = -10; center < 70; ++center) {
         EXPECT_TRUE(verify_matches(wide, center, 30, 1));
         EXPECT_TRUE(verify_matches(wide, 30, center, 0.75F));
     }
-    const scene square = solid_scene(112, 150, {40, 50, 40, 40}, 1); /* box of 56 x 56 */
+    const scene square = solid_scene(112, 150, {40, 50, 40, 40}, 1);  // box of 56 x 56
     for (const float zoom : {2.0F, 2.01F, 2.0178F, 2.018F, 2.02F, 2.6F, 2.7F})
         EXPECT_TRUE(verify_matches(square, 56, 75, zoom));
-    /* in double precision the corner would be one less */
+    // in double precision the corner would be one less
     EXPECT_TRUE(verify_matches(square, 100, 100, nextafterf(0.2F, 1.0F)));
-    /* the rotated box has a level without the upper limit, and so a larger margin */
+    // the rotated box has a level without the upper limit, and so a larger margin
     const scene large = solid_scene(800, 800, {140, 140, 520, 520}, 1);
     for (const float angle : {0.0F, 360.0F, 90.0F})
         EXPECT_TRUE(verify_matches(large, 400, 400, 1, angle));
 }
 
-/* They may run on any thread beside one blend. */
+// They may run on any thread beside one blend.
 TEST(SmallCalls, RunBesideABlend) {
     std::atomic<int> wrong{0};
     std::atomic<bool> stop{false};
@@ -123,7 +123,7 @@ TEST(SmallCalls, RunBesideABlend) {
             }
         });
     }
-    /* the second is large enough for threads */
+    // the second is large enough for threads
     const scene blends[] = {support::placed(solid_scene(96, 90, {30, 28, 25, 33}, 9), 1, 25),
                             support::placed(solid_scene(660, 640, {8, 9, 645, 623}, 10), 1, 1)};
     for (const scene& s : blends) {

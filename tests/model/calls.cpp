@@ -14,13 +14,13 @@ int32_t scaled(int32_t side, float zoom) {
     return truncate(static_cast<float>(side) * zoom);
 }
 
-/* Where the box starts so that the object without its margins is centred. */
+// Where the box starts so that the object without its margins is centred.
 int32_t corner(int32_t center, int32_t bare_side, float zoom) {
     const float half = static_cast<float>(bare_side) * zoom * 0.5F;
     return truncate(static_cast<float>(center) - half);
 }
 
-/* One axis of the rectangle's place in the destination, kept inside the frame. */
+// One axis of the rectangle's place in the destination, kept inside the frame.
 int64_t place_axis(int32_t wanted, int32_t crop_side, int32_t frame_side, int32_t level,
                    float zoom) {
     int64_t margin = level_margin(level);
@@ -35,7 +35,7 @@ int64_t place_axis(int32_t wanted, int32_t crop_side, int32_t frame_side, int32_
     return side + static_cast<float>(place) > limit ? truncate(limit - side) : place;
 }
 
-/* The object's picture at the zoomed size. */
+// The object's picture at the zoomed size.
 bytes source_rectangle(const frame& icon, const mask_box& box, int32_t center_x, int32_t center_y,
                        float zoom, extent_2d size) {
     const auto start = [](int32_t center, int32_t side) {
@@ -78,7 +78,7 @@ outcome create_rgb_icon(const frame& source, const frame& mask) {
     result.height = box.height;
     const bytes crop = crop_mask(mask, box);
     result.pixels.assign(crop.size() * 4, 0);
-    /* The source's own height is never consulted. */
+    // The source's own height is never consulted.
     const frame picture{source.width, mask.height, source.data};
     if (mask.width < 1 || mask.height < 1 || crop.empty()) return result;
     const bytes packed = read_rectangle(picture, box.x0, box.y0, box.width, box.height);

@@ -43,12 +43,12 @@ void log(log_lines& lines, int priority, const char* format, ...) {
 
 namespace {
 
-/* Rows that hold a pixel at all. */
+// Rows that hold a pixel at all.
 int32_t rows_of(const frame& f) {
     return f.width < 1 ? 0 : f.height;
 }
 
-/* One axis of the box: the extent of the object and what the frame leaves for its margins. */
+// One axis of the box: the extent of the object and what the frame leaves for its margins.
 struct extent {
     int64_t low = 0;
     int64_t high = 0;

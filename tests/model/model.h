@@ -1,8 +1,6 @@
-/*
- * A plain model of the four exported functions: whole planes, one thread, no shared code with the
- * library. It is the measure that the boundary tests hold the library to, byte for byte and log
- * line for log line.
- */
+// A plain model of the four exported functions: whole planes, one thread, no shared code with the
+// library. It is the measure that the boundary tests hold the library to, byte for byte and log
+// line for log line.
 #ifndef IMAGEBLEND_TESTS_MODEL_H
 #define IMAGEBLEND_TESTS_MODEL_H
 
@@ -26,8 +24,8 @@ inline bool operator==(const log_line& a, const log_line& b) {
 
 using log_lines = std::vector<log_line>;
 
-/* A colour frame (4 bytes a pixel) or a mask (1 byte), by its role. A frame with a side below 1 has
- * no pixel. */
+// A colour frame (4 bytes a pixel) or a mask (1 byte), by its role. A frame with a side below 1 has
+// no pixel.
 struct frame {
     int32_t width = 0;
     int32_t height = 0;
@@ -41,17 +39,17 @@ struct placement {
     float angle = 0.0F;
 };
 
-/* What a caller can see of a call. */
+// What a caller can see of a call.
 struct outcome {
     int32_t status = 0;
     log_lines log;
-    int32_t width = 0; /* of the object or of its icon */
+    int32_t width = 0;  // of the object or of its icon
     int32_t height = 0;
-    bytes pixels;      /* of the icon or of the output; a failed call has none */
-    bool clean = true; /* no byte is written that the call has to leave alone */
+    bytes pixels;       // of the icon or of the output; a failed call has none
+    bool clean = true;  // no byte is written that the call has to leave alone
 };
 
-/* The version line ends after "build time:", pointers read "<ptr>"; see support/log_capture.h. */
+// The version line ends after "build time:", pointers read "<ptr>"; see support/log_capture.h.
 outcome get_icon_size(const frame& mask);
 outcome create_rgb_icon(const frame& source, const frame& mask);
 outcome verify_icon_pos(const frame& mask, const placement& place);

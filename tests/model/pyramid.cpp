@@ -21,8 +21,8 @@ plane from_bytes(const bytes& data, int width, int height, int channels) {
     return {width, height, channels, std::vector<int>(data.begin(), data.end())};
 }
 
-/* Applies rule(sample, i) to every output i of every row, or of every column; sample(k) repeats the
- * edges. */
+// Applies rule(sample, i) to every output i of every row, or of every column; sample(k) repeats the
+// edges.
 template <bool along_x, class Rule>
 plane filter(const plane& in, int width, int height, Rule rule) {
     plane out{width, height, in.channels, {}};
@@ -45,7 +45,7 @@ plane filter_both(const plane& in, int width, int height, Rule rule) {
     return filter<false>(filter<true>(in, width, in.height, rule), width, height, rule);
 }
 
-/* 1 4 6 4 1 centred on 2i, rounded to a byte after each axis. */
+// 1 4 6 4 1 centred on 2i, rounded to a byte after each axis.
 plane reduce(const plane& in) {
     const auto rule = [](const auto& s, int i) {
         const int k = 2 * i;
@@ -54,7 +54,7 @@ plane reduce(const plane& in) {
     return filter_both(in, in.width / 2, in.height / 2, rule);
 }
 
-/* 1 6 1 at even outputs, 4 4 at odd ones; the extra output of an odd side repeats the edge. */
+// 1 6 1 at even outputs, 4 4 at odd ones; the extra output of an odd side repeats the edge.
 plane expand(const plane& in, int width, int height) {
     const auto rule = [](const auto& s, int i) {
         const int k = i / 2;
@@ -64,7 +64,7 @@ plane expand(const plane& in, int width, int height) {
     return filter_both(in, width, height, rule);
 }
 
-/* Levels 0 .. count-1 are differences, level `count` is the coarsest picture itself. */
+// Levels 0 .. count-1 are differences, level `count` is the coarsest picture itself.
 std::vector<plane> laplacian_pyramid(plane level, int count) {
     std::vector<plane> pyramid;
     for (int l = 0; l < count; ++l) {
@@ -79,7 +79,7 @@ std::vector<plane> laplacian_pyramid(plane level, int count) {
     return pyramid;
 }
 
-/* The weights sum to 255 and the divisor is 256; negative sums round downwards. */
+// The weights sum to 255 and the divisor is 256; negative sums round downwards.
 plane mix(const plane& source, const plane& destination, const plane& mask) {
     plane result = destination;
     for (size_t i = 0; i < result.values.size(); ++i) {

@@ -5,18 +5,18 @@
 namespace model {
 namespace {
 
-/* Distance between output samples in 1/128 of a source sample. */
+// Distance between output samples in 1/128 of a source sample.
 int64_t step_of(int64_t from, int64_t to) {
     return to == 1 ? 0 : (from * 128 + (to >> 1) - 128) / (to - 1);
 }
 
-/* Interpolates along one axis: `lines` lines of `from` samples become lines of `to` samples. */
+// Interpolates along one axis: `lines` lines of `from` samples become lines of `to` samples.
 bytes interpolate(const bytes& source, int from, int to, int lines, bool horizontal) {
     bytes result(static_cast<size_t>(to) * static_cast<size_t>(lines) * 3);
     const int64_t step = step_of(from, to);
     for (int64_t k = 0; k < to; ++k) {
         const int64_t position = k * step;
-        const int64_t before = (position - 1) >> 7; /* the last sample that lies before it */
+        const int64_t before = (position - 1) >> 7;  // the last sample that lies before it
         const int64_t first = std::clamp<int64_t>(before, 0, from - 1);
         const int64_t second = std::clamp<int64_t>(before + 1, 0, from - 1);
         const int64_t second_weight = position - before * 128;

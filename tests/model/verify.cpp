@@ -4,7 +4,7 @@
 namespace model {
 namespace {
 
-/* One axis of the placement: the zoomed box as it stands in the destination. */
+// One axis of the placement: the zoomed box as it stands in the destination.
 struct axis {
     int64_t frame_side = 0;
     int64_t zoomed = 0;
@@ -19,8 +19,8 @@ axis place(int32_t frame_side, int32_t boxed, int32_t bare, int32_t center, floa
     return {frame_side, zoomed, near_edge, zoomed + near_edge - 1};
 }
 
-/* Moves the near edges inside. The far edges keep their first values, so that an overflow on the
- * right or below always ends as a seam. */
+// Moves the near edges inside. The far edges keep their first values, so that an overflow on the
+// right or below always ends as a seam.
 void repair(axis& x, axis& y, log_lines& lines) {
     if (x.near_edge < 0) {
         log(lines, 5, "dst xl overflow\n");
@@ -65,7 +65,7 @@ outcome verify_icon_pos(const frame& mask, const placement& wanted) {
         result.status = -1;
         return result;
     }
-    /* The margin stays that of the upright object. */
+    // The margin stays that of the upright object.
     const int32_t margin = level_margin(box.level);
     if (wanted.angle != 0.0F) {
         const rotation turn =

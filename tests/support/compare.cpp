@@ -7,7 +7,7 @@
 #include "guarded_bytes.h"
 #include "log_capture.h"
 
-/* The switches of a leak sanitizer, where the build has one. */
+// The switches of a leak sanitizer, where the build has one.
 extern "C" __attribute__((weak)) void __lsan_disable();
 extern "C" __attribute__((weak)) void __lsan_enable();
 
@@ -21,8 +21,8 @@ using ::testing::AssertionSuccess;
 constexpr size_t guard_bytes = 64;
 constexpr uint8_t untouched = 0x5C;
 
-/* Most inputs end where a page ends that cannot be left; the others end anywhere, so that every
- * alignment occurs. */
+// Most inputs end where a page ends that cannot be left; the others end anywhere, so that every
+// alignment occurs.
 guarded_bytes input(const model::bytes& content, uint64_t seed) {
     return guarded_bytes(content, 16, seed % 4 != 0 ? 0 : 1 + seed / 4 % 5);
 }
@@ -31,8 +31,8 @@ guarded_bytes output(const model::bytes& content, uint64_t seed) {
     return guarded_bytes(content, guard_bytes + seed % 7, guard_bytes);
 }
 
-/* A blend whose object is too large for the destination keeps its buffers by design; no other call
- * may, so a leak sanitizer is told to look away from that one alone. */
+// A blend whose object is too large for the destination keeps its buffers by design; no other call
+// may, so a leak sanitizer is told to look away from that one alone.
 bool keeps_buffers(const model::outcome& expected) {
     return !expected.log.empty() && expected.log.back().text.find("too big") != std::string::npos;
 }
@@ -130,7 +130,7 @@ model::outcome run_cutout(const scene& s) {
     guarded_bytes source = input(s.icon.data, s.seed);
     guarded_bytes mask = input(s.mask.data, s.seed + 1);
     guarded_bytes icon = output(before, s.seed);
-    /* the source's height is documented as unread */
+    // the source's height is documented as unread
     const blend_image source_record{s.icon.width, -3, source.data()};
     const blend_image mask_record{s.mask.width, s.mask.height, mask.data()};
     blend_image icon_record{-77, 1234567, icon.data()};

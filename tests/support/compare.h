@@ -1,4 +1,4 @@
-/* Runs the library's functions on a scene and holds the outcome against the model. */
+// Runs the library's functions on a scene and holds the outcome against the model.
 #ifndef IMAGEBLEND_TESTS_COMPARE_H
 #define IMAGEBLEND_TESTS_COMPARE_H
 
@@ -11,7 +11,7 @@
 
 namespace model {
 
-/* How GoogleTest prints a line. */
+// How GoogleTest prints a line.
 inline void PrintTo(const log_line& line, std::ostream* out) {
     *out << "\n    " << line.priority << " " << ::testing::PrintToString(line.text);
 }
@@ -20,20 +20,19 @@ inline void PrintTo(const log_line& line, std::ostream* out) {
 
 namespace support {
 
-/* Which buffer the output shares, if any. With `both` the icon is the destination's buffer too; the
- * two pictures of the scene must then be equal. */
+// Which buffer the output shares, if any. With `both` the icon is the destination's buffer too; the
+// two pictures of the scene must then be equal.
 enum class aliasing { none, destination, icon, both };
 
-/* Each makes one call; its log lines are normalised. The outcome is clean when the inputs, what
- * lies beside the buffers and the fields that the call does not set are as they were, and when a
- * failed call has left its results alone or, a blend, copied the destination into them. */
+// Each makes one call; its log lines are normalised. The outcome is clean when the inputs, what
+// lies beside the buffers and the fields that the call does not set are as they were, and when a
+// failed call has left its results alone or, a blend, copied the destination into them.
 model::outcome run_blend(const scene& s, aliasing alias = aliasing::none);
-model::outcome run_cutout(
-    const scene& s); /* the icon's buffer has the size that the mask asks for */
+model::outcome run_cutout(const scene& s);  // the icon's buffer has the size that the mask asks for
 model::outcome run_verify(const scene& s);
 model::outcome run_size(const model::frame& mask);
 
-/* Each makes one call and one model call and compares all that the caller can see. */
+// Each makes one call and one model call and compares all that the caller can see.
 ::testing::AssertionResult blend_matches(const scene& s, aliasing alias = aliasing::none);
 ::testing::AssertionResult cutout_matches(const scene& s);
 ::testing::AssertionResult verify_matches(const scene& s);
@@ -42,7 +41,7 @@ model::outcome run_size(const model::frame& mask);
 ::testing::AssertionResult same_log(const model::log_lines& expected,
                                     const model::log_lines& actual);
 
-/* Bytes of colour pixels; the message names the first pixel that differs. */
+// Bytes of colour pixels; the message names the first pixel that differs.
 ::testing::AssertionResult same_pixels(const model::bytes& expected, const model::bytes& actual,
                                        int32_t width);
 

@@ -1,4 +1,4 @@
-/* A byte buffer at any alignment, with a pattern before and after it that must survive a call. */
+// A byte buffer at any alignment, with a pattern before and after it that must survive a call.
 #ifndef IMAGEBLEND_TESTS_GUARDED_BYTES_H
 #define IMAGEBLEND_TESTS_GUARDED_BYTES_H
 
@@ -11,9 +11,9 @@ namespace support {
 
 class guarded_bytes {
   public:
-    /* `before` bytes of pattern, the content, `after` bytes of pattern, and then a page that cannot
-     * be touched: with no byte after it a read behind the content is a crash. There is such a page
-     * before the buffer's first page too, which with side::start the pattern follows at once. */
+    // `before` bytes of pattern, the content, `after` bytes of pattern, and then a page that cannot
+    // be touched: with no byte after it a read behind the content is a crash. There is such a page
+    // before the buffer's first page too, which with side::start the pattern follows at once.
     enum class side { start, end };
     guarded_bytes(const model::bytes& content, size_t before, size_t after, side at = side::end);
     ~guarded_bytes();
@@ -25,7 +25,7 @@ class guarded_bytes {
         return model::bytes(storage_ + before_, storage_ + before_ + size_);
     }
     bool intact() const;
-    bool holds(const model::bytes& expected) const; /* and is intact */
+    bool holds(const model::bytes& expected) const;  // and is intact
 
   private:
     size_t before_;

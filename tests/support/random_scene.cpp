@@ -8,8 +8,8 @@
 namespace support {
 namespace {
 
-/* Sides around the powers of two at which the pyramid's depth changes, and around multiples of the
- * vector widths. */
+// Sides around the powers of two at which the pyramid's depth changes, and around multiples of the
+// vector widths.
 constexpr int32_t telling_sides[] = {1,  2,  7,  8,  9,  15, 16, 17, 18, 24,  31,  32, 33,
                                      34, 40, 47, 48, 63, 64, 65, 66, 96, 127, 128, 129};
 
@@ -17,7 +17,7 @@ std::pair<int32_t, int32_t> choose_frame(dice& random) {
     const int32_t kind = random.between(0, 99);
     if (kind < 7) return {random.between(1, 20), random.between(1, 20)};
     if (kind < 27) {
-        /* little room around a box of a telling size */
+        // little room around a box of a telling size
         const int32_t width = random.one_of(telling_sides);
         const int32_t height = random.one_of(telling_sides);
         return {width + random.between(0, 3), height + random.between(0, 3)};
@@ -38,7 +38,7 @@ int32_t choose_start(dice& random, int32_t frame_side, int32_t side) {
     return random.between(0, room);
 }
 
-/* Draws an object of one of several kinds; the box shrinks to a single pixel with it. */
+// Draws an object of one of several kinds; the box shrinks to a single pixel with it.
 void draw_object(dice& random, model::frame& mask, rectangle& box) {
     const int32_t style = random.percent(60) ? 0 : random.between(1, 2);
     const int32_t kind = random.between(0, 99);
@@ -61,7 +61,7 @@ void draw_object(dice& random, model::frame& mask, rectangle& box) {
     }
     for (int32_t y = 0; y < box.height; ++y) {
         for (int32_t x = 0; x < box.width; ++x) {
-            /* the box is a square of side 2 around the origin */
+            // the box is a square of side 2 around the origin
             const float unit_x =
                 static_cast<float>(2 * x + 1) / static_cast<float>(box.width) - 1.0F;
             const float unit_y =
@@ -76,13 +76,13 @@ void draw_object(dice& random, model::frame& mask, rectangle& box) {
 model::frame choose_picture(dice& random, const model::frame& mask, uint64_t seed) {
     model::frame picture = noise_picture(mask.width, mask.height, seed);
     const int32_t kind = random.between(0, 99);
-    if (kind < 50) return picture; /* noise */
+    if (kind < 50) return picture;  // noise
     const uint8_t flat = random.byte();
     for (size_t i = 0; i < picture.data.size(); ++i) {
         if (i % 4 == 0) continue;
         uint8_t& value = picture.data[i];
         const auto noisy_ramp = static_cast<uint8_t>((i / 4) % 200 + value % 16);
-        const uint8_t extreme = value < 128 ? 0 : 255; /* the largest differences there are */
+        const uint8_t extreme = value < 128 ? 0 : 255;  // the largest differences there are
         value = kind < 75 ? extreme : kind < 90 ? noisy_ramp : flat;
     }
     return picture;
@@ -95,7 +95,7 @@ float choose_zoom(dice& random, const rectangle& box) {
     const int32_t kind = random.between(0, 99);
     if (kind < 40) return 1.0F;
     if (kind < 65) {
-        /* brings the shorter side, with its margins, to a telling length */
+        // brings the shorter side, with its margins, to a telling length
         const int32_t bare = std::min(box.width, box.height);
         const int32_t boxed = bare < 16 ? bare : bare + (bare < 64 ? 16 : 32);
         return (static_cast<float>(random.one_of(telling_sides)) + 0.25F) /

@@ -1,4 +1,4 @@
-/* Inputs of one call: made at random from a seed, or by hand. */
+// Inputs of one call: made at random from a seed, or by hand.
 #ifndef IMAGEBLEND_TESTS_SCENE_H
 #define IMAGEBLEND_TESTS_SCENE_H
 
@@ -27,12 +27,12 @@ struct rectangle {
     int32_t height = 0;
 };
 
-/* The same numbers on every platform, unlike the distributions of <random>. */
+// The same numbers on every platform, unlike the distributions of <random>.
 class dice {
   public:
     explicit dice(uint64_t seed) : engine_(seed * 0x9E3779B97F4A7C15U + 1) {}
 
-    /* low .. high inclusive */
+    // low .. high inclusive
     int32_t between(int32_t low, int32_t high) {
         const uint64_t count = static_cast<uint64_t>(int64_t{high} - low) + 1;
         return static_cast<int32_t>(low + static_cast<int64_t>(engine_() % count));
@@ -50,8 +50,8 @@ class dice {
 
 scene random_scene(uint64_t seed);
 
-/* Full-range noise in all four bytes of both pictures and a mask that is 255 in the rectangle and 0
- * elsewhere; the centre is the middle of the frame, the zoom 1 and the angle 0. */
+// Full-range noise in all four bytes of both pictures and a mask that is 255 in the rectangle and 0
+// elsewhere; the centre is the middle of the frame, the zoom 1 and the angle 0.
 scene solid_scene(int32_t width, int32_t height, rectangle object, uint64_t seed);
 
 model::frame noise_picture(int32_t width, int32_t height, uint64_t seed);
@@ -62,8 +62,8 @@ scene placed(scene s, float zoom, float angle = 0);
 
 std::string describe(const scene& s);
 
-/* The seeds of a random test's calls: IMAGEBLEND_TEST_CALLS of them, else `usual`, from
- * IMAGEBLEND_TEST_SEED on, else from 1, so that a failing call can be repeated alone. */
+// The seeds of a random test's calls: IMAGEBLEND_TEST_CALLS of them, else `usual`, from
+// IMAGEBLEND_TEST_SEED on, else from 1, so that a failing call can be repeated alone.
 std::vector<uint64_t> seeds(size_t usual);
 
 }  // namespace support
