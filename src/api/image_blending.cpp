@@ -144,7 +144,9 @@ static int32_t blend_object(blend_call* call, const blend_image* icon, bool rota
     if (zoomed_mask == NULL) return -1;
     const blend_image* source = rotated ? g_rotated_icon : icon;
     const pixel_window* window = &call->colours.window;
-    const row_work rotation_work = {rotate_colours, &call->colours, source->height};
+    // Turning a pixel takes about twice as long as blending it.
+    const row_work rotation_work = {rotate_colours, &call->colours, source->height,
+                                    2 * (int64_t)source->width * source->height};
     const row_work* fill = rotated ? &rotation_work : NULL;
     if (rotated && frame_overlaps(icon, output->data, frame_bytes(destination))) {
         // The output is written while the blend runs, so the icon must have been read before.

@@ -132,7 +132,8 @@ static bool open_source(const blend_image* src, const row_work* fill, const blen
     resize->dst_height = box->zoom_height;
     resize->dst = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
     if (!open_resize(resize) || resize->dst == NULL) return false;
-    const row_work work = {resize_band, resize, box->zoom_height};
+    const row_work work = {resize_band, resize, box->zoom_height,
+                           (int64_t)box->zoom_width * box->zoom_height};
     source->resize_work = work;
     source->prepare[1] = &source->resize_work;
     source->rectangle = packed_picture(resize->dst, box->zoom_width, box->zoom_height);
@@ -156,7 +157,9 @@ static int32_t blend_streamed(const blend_source* src, const picture* dst, const
     }
     picture result = *dst;
     result.pixels = copy->to->data;
-    side_work beside = {copy_piece, copy, copy_pieces(copy), 0};
+    // Copying takes a fifth of the time of blending.
+    const int64_t copied = (int64_t)copy->from->width * copy->from->height / 5;
+    side_work beside = {copy_piece, copy, copy_pieces(copy), 0, copied};
     const pyramid_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
     return blend_pictures(&src->rectangle, dst, mask, &result, ws, &extras);
 }

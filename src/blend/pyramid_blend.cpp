@@ -4,14 +4,26 @@
 #include "kernels/row_ops.h"
 #include "memory.h"
 
-// Smaller pictures are blended sooner than threads are started: four cost about 0.2 ms, and at most
-// half of what one thread would need is saved where there are two cores.
-static const int64_t MIN_POOL_PIXELS = 384 * 1024;
-
-static int64_t min_pool_pixels = MIN_POOL_PIXELS;
+// Work of less than 1.2 ms is done sooner by the caller alone: starting and joining four threads
+// takes 0.1 to 0.3 ms, and at most half of the work is saved where there are two cores.
+static int64_t pool_pixels_of_tests = -1;
 
 void use_pool_from(int64_t pixels) {
-    min_pool_pixels = pixels >= 0 ? pixels : MIN_POOL_PIXELS;
+    pool_pixels_of_tests = pixels;
+}
+
+static int64_t min_pool_pixels(void) {
+    if (pool_pixels_of_tests >= 0) return pool_pixels_of_tests;
+    return active_rows()->pixels_a_ms * 6 / 5;
+}
+
+// All work of the call, in pixels of a blend.
+static int64_t work_pixels(const blend_workspace* ws, const pyramid_extras* extras) {
+    int64_t pixels = (int64_t)ws->width * ws->height;
+    for (const row_work* work : extras->prepare) {
+        if (work != NULL) pixels += work->pixels;
+    }
+    return extras->beside != NULL ? pixels + extras->beside->pixels : pixels;
 }
 
 // The depth at which the next level would have a side below 2, at most the workspace's.
@@ -80,10 +92,10 @@ int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* ma
     run.dst[0] = *dst;
     run.result[0] = *result;
     place_levels(&run, mask);
-    if ((int64_t)ws->width * ws->height >= min_pool_pixels) {
+    if (work_pixels(ws, extras) >= min_pool_pixels()) {
         thread_pool* pool = NULL;
         if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
-        run.min_stage_pixels = min_pool_pixels / 4;  // handing a stage over costs 20 to 60 us
+        run.min_stage_pixels = min_pool_pixels() / 4;  // handing a stage over costs 20 to 60 us
     }
     const bool done = alloc_band_scratch(&run) && run_stages(&run, extras);
     if (run.pool != NULL) pool_destroy(run.pool);

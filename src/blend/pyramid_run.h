@@ -10,7 +10,7 @@ typedef struct pyramid_run {
     blend_workspace* ws;
     int32_t levels;            // depth that is built, at most ws->levels
     thread_pool* pool;         // null when everything runs in the caller
-    int64_t min_stage_pixels;  // smaller levels run in the caller all the same
+    int64_t min_stage_pixels;  // coarser levels below this run in the caller all the same
     side_work* beside;         // shared by all threads of the first stage; may be null
     uint8_t* band_scratch[BAND_COUNT];
     pixel_layout layout_mask;  // {0, 1}

@@ -21,6 +21,7 @@ static void run_stage(pyramid_run* run, void* (*routine)(void*)) {
     for (int32_t k = 0; k < BAND_COUNT; k++) {
         pool_add_task(run->pool, routine, &run->band_bundles[k]);
     }
+    pool_help(run->pool);
     share_work(run->beside);
     pool_wait_done(run->pool, BAND_COUNT);
 }
@@ -46,10 +47,10 @@ static band_task row_task(const pyramid_run* run, int32_t level) {
 }
 
 // Where a stage of the level runs: in the caller, null, if its work is less than that of waking
-// threads and waiting for them.
+// threads and waiting for them. The finest level has all other work beside or before it.
 static thread_pool* stage_pool(const pyramid_run* run, int32_t level) {
     const int64_t pixels = (int64_t)level_width(run, level) * level_height(run, level);
-    return pixels >= run->min_stage_pixels ? run->pool : NULL;
+    return level == 0 || pixels >= run->min_stage_pixels ? run->pool : NULL;
 }
 
 // Fills the bundle of band k, which has rows [begin, end) of the coarser level.

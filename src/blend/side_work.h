@@ -9,8 +9,9 @@
 typedef struct side_work {
     void (*piece)(void* arg, int32_t index);
     void* arg;
-    int32_t count;  // pieces 0 .. count - 1
-    int32_t next;   // the first that nobody has taken; changed atomically
+    int32_t count;   // pieces 0 .. count - 1
+    int32_t next;    // the first that nobody has taken; changed atomically
+    int64_t pixels;  // what all of it costs, in pixels of a blend
 } side_work;
 
 // Does pieces until none is left to take. When all threads that called it have returned, all pieces
@@ -29,6 +30,7 @@ typedef struct row_work {
     void (*rows)(void* arg, int32_t band, int32_t begin, int32_t end);
     void* arg;
     int32_t height;
+    int64_t pixels;  // what all of it costs, in pixels of a blend
 } row_work;
 
 // All rows on the calling thread. Null is no work.

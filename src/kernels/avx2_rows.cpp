@@ -349,6 +349,7 @@ void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t 
 const row_ops* avx2_table(void) {
     static const row_ops table = {
         "avx2",
+        1000000,
         avx2_reduce_row_c3,
         avx2_reduce_row_c1,
         avx2_expand_row_c3,

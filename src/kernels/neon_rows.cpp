@@ -325,9 +325,10 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
 }
 
 static const row_ops table = {
-    "neon",        reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column,
-    expand_even,   expand_odd,      subtract,      widen,         blend,
-    collapse,      merge,           narrow,        neon_mix_rows, neon_resample_row_c3,
+    "neon",        250000,          reduce_row_c3, reduce_row_c1,
+    expand_row_c3, reduce_column,   expand_even,   expand_odd,
+    subtract,      widen,           blend,         collapse,
+    merge,         narrow,          neon_mix_rows, neon_resample_row_c3,
     neon_pack_rgb, neon_unpack_rgb,
 };
 

@@ -166,7 +166,7 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",    reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column, expand_even,
-    expand_odd, subtract,      widen,           blend,         collapse,      merge,
-    narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
+    "plain",     50000,      reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column,
+    expand_even, expand_odd, subtract,      widen,           blend,         collapse,
+    merge,       narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };

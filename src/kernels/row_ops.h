@@ -32,6 +32,9 @@ typedef struct row_tap {
 typedef struct row_ops {
     const char* name;
 
+    // About as many pixels of a blend as one thread gets through in a millisecond.
+    int64_t pixels_a_ms;
+
     // 2:1 reduction of a row of `src_width` pixels to `dst_width`, 2 <= dst_width <= src_width / 2:
     //   dst[i] = (s[2i-2] + 4 s[2i-1] + 6 s[2i] + 4 s[2i+1] + s[2i+2] + 8) >> 4
     // with positions clamped to the row. c3: three interleaved channels, c1: one.

@@ -79,14 +79,15 @@ int32_t pool_init(thread_pool** out, int32_t thread_num) {
     return 0;
 }
 
-// Waits for a task and unlinks it; null when the pool is stopping.
-static pool_task* take_task(thread_pool* pool) {
+// Unlinks the first task; null where there is none, for which a worker waits, or when the pool is
+// stopping.
+static pool_task* take_task(thread_pool* pool, bool waits) {
     pool_task* task = NULL;
     pthread_mutex_lock(&pool->queue_lock);
-    while (pool->cur_queue_size == 0 && !pool->shutdown) {
+    while (waits && pool->cur_queue_size == 0 && !pool->shutdown) {
         pthread_cond_wait(&pool->queue_ready, &pool->queue_lock);
     }
-    if (!pool->shutdown) {
+    if (pool->cur_queue_size > 0 && !pool->shutdown) {
         task = pool->queue_head;
         pool->cur_queue_size--;
         pool->queue_head = task->next;
@@ -95,11 +96,17 @@ static pool_task* take_task(thread_pool* pool) {
     return task;
 }
 
+static bool run_next_task(thread_pool* pool, bool waits) {
+    pool_task* task = take_task(pool, waits);
+    if (task == NULL) return false;
+    task->routine(task->arg);
+    free(task);
+    return true;
+}
+
 void* pool_thread_routine(void* worker) {
     thread_pool* pool = ((pool_worker*)worker)->pool;
-    for (pool_task* task = take_task(pool); task != NULL; task = take_task(pool)) {
-        task->routine(task->arg);
-        free(task);
+    while (run_next_task(pool, true)) {
     }
     // The same as pthread_exit(NULL), which glibc lets abort the process where it finds no memory
     // or no libgcc_s to unwind with.
@@ -124,6 +131,11 @@ int32_t pool_add_task(thread_pool* pool, void* (*routine)(void*), void* arg) {
     pthread_mutex_unlock(&pool->queue_lock);
     pthread_cond_signal(&pool->queue_ready);
     return 0;
+}
+
+void pool_help(thread_pool* pool) {
+    while (run_next_task(pool, false)) {
+    }
 }
 
 static int32_t join_threads(thread_pool* pool) {

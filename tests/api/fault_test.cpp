@@ -98,8 +98,9 @@ TEST(Faults, EveryAllocationOfABlend) {
     }
 }
 
-// A blend large enough for threads runs with fewer or without; a join that fails has joined.
+// A blend with threads runs with fewer or without; a join that fails has joined.
 TEST(Faults, ThreadsLocksAndJoinsOfABlend) {
+    const threads_for_all threads;
     const std::pair<call, unsigned> table[] = {
         {call::mutex_init, 0b01},      {call::cond_init, 0b01},      {call::mutex_init, 0b10},
         {call::cond_init, 0b10},       {call::thread_join, 0b1001},  {call::thread_create, 0b0000},
