@@ -3,24 +3,18 @@
 #include "blend/row_conversion.h"
 #include "kernels/band_filters.h"
 #include "kernels/band_kernels.h"
+#include "kernels/row_ops.h"
 #include "numeric.h"
 
-// Rows of the coarser level in a strip, for a finer level of `width` pixels. More rows filter fewer
-// overlap rows twice; fewer rows stay in a smaller cache: at most 300 KB up to a width of 1024.
-static int32_t strip_rows(int32_t width) {
-    return width <= 640 ? 16 : 8;
-}
-static size_t strip_fine_rows(int32_t width) {
-    return 2 * (size_t)strip_rows(width) + 1;
-}
-static size_t reduce_rows(int32_t width) {
-    return 2 * (size_t)strip_rows(width) + 4;
-}
+// Rows of the coarser level in a strip of a reduction. More rows filter fewer overlap rows twice;
+// fewer rows need less cache.
+enum { STRIP_ROWS = 16 };
+enum { REDUCE_ROWS = 2 * STRIP_ROWS + 4 };
 
-// Coarser levels of half the width need no more than the finest, even with strips twice as high.
 size_t band_scratch_bytes(int32_t width) {
-    const size_t rows = 2 * 2 + 2 * reduce_rows(width) + 1 + 3 * strip_fine_rows(width) + 1;
-    return (rows * 3 * (size_t)width + 63) & ~(size_t)63;
+    const size_t row_bytes = 3 * (size_t)width;
+    const size_t rows = 2 * 2 + REDUCE_ROWS + 1 + 3 * 3 + 3 * 2 + 1;
+    return (rows * row_bytes + REDUCE_ROWS * (row_bytes / 2) + 63) & ~(size_t)63;
 }
 
 band_rows split_band_scratch(uint8_t* scratch, int32_t width) {
@@ -28,13 +22,15 @@ band_rows split_band_scratch(uint8_t* scratch, int32_t width) {
     band_rows rows;
     rows.lap_src = (int16_t*)scratch;
     rows.lap_dst = rows.lap_src + row_bytes;
-    rows.filter = scratch + 4 * row_bytes;
-    rows.cut_src = rows.filter + reduce_rows(width) * row_bytes;
-    rows.cut_dst = rows.cut_src + reduce_rows(width) * row_bytes;
-    rows.expanded[0] = rows.cut_dst + row_bytes;
-    rows.expanded[1] = rows.expanded[0] + strip_fine_rows(width) * row_bytes;
-    rows.expanded[2] = rows.expanded[1] + strip_fine_rows(width) * row_bytes;
-    rows.out = rows.expanded[2] + strip_fine_rows(width) * row_bytes;
+    rows.cut_src = scratch + 4 * row_bytes;
+    rows.cut_dst = rows.cut_src + REDUCE_ROWS * row_bytes;
+    rows.out = rows.cut_dst + row_bytes;
+    rows.filter = rows.out + row_bytes;
+    uint8_t* next = rows.filter + REDUCE_ROWS * (row_bytes / 2);
+    for (size_t i = 0; i < 3; i++, next += 5 * row_bytes) {
+        rows.ring[i] = next;
+        rows.expanded[i] = next + 3 * row_bytes;
+    }
     return rows;
 }
 
@@ -47,7 +43,7 @@ typedef struct strip {
 static strip next_strip(const band_bundle* bundle, int32_t begin) {
     strip s;
     s.begin = begin;
-    s.end = (int32_t)min_i64(begin + strip_rows(bundle->expand.dst_width), bundle->end);
+    s.end = (int32_t)min_i64(begin + STRIP_ROWS, bundle->end);
     s.band_pos = begin == 0                           ? BAND_FIRST
                  : s.end == bundle->expand.src_height ? BAND_LAST
                                                       : BAND_MIDDLE;
@@ -122,52 +118,69 @@ void* band_bundle_build(void* arg) {
     return NULL;
 }
 
-// Expands a strip of one coarse picture, with a context row on each inner side, into `fine`.
-static void expand_strip(const band_bundle* bundle, const strip* s, const picture* coarse,
-                         const band_rows* rows, uint8_t* fine) {
-    band_task task = bundle->expand;
-    const int32_t above = s->band_pos == BAND_FIRST ? 0 : 1;
-    const int32_t below = s->band_pos == BAND_LAST ? 0 : 1;
-    task.src_rows = s->end - s->begin + above + below;
-    task.src = read_rows(coarse, s->begin - above, task.src_rows, task.src_width, NULL);
-    task.dst = fine;
-    task.band_pos = s->band_pos;
-    task.scratch = rows->filter;
-    ImageExpand_BandC3(&task);
+// Coarse rows wait in rings of three, already as wide as the finer level.
+static uint8_t* ring_row(const band_rows* rows, size_t i, int32_t row, size_t row_bytes) {
+    return rows->ring[i] + (size_t)(row % 3) * row_bytes;
 }
 
-// Row `row` of the result from row `index` of the expanded strips.
-static void merge_row(const band_bundle* bundle, int32_t row, size_t index, const band_rows* rows) {
+// Coarse row `row` of all three pictures into the rings.
+static void fill_rings(const band_bundle* bundle, int32_t row, const band_rows* rows) {
+    const band_task* task = &bundle->expand;
+    const picture* const coarse[3] = {&bundle->coarse_src, &bundle->coarse_dst,
+                                      &bundle->coarse_result};
+    for (size_t i = 0; i < 3; i++) {
+        active_rows()->expand_row_c3(
+            read_rows(coarse[i], row, 1, task->src_width, NULL), task->src_width,
+            ring_row(rows, i, row, 3 * (size_t)task->dst_width), task->dst_width);
+    }
+}
+
+// Row `row` of the result from that row of the three expanded pictures.
+static void merge_row(const band_bundle* bundle, int32_t row, const uint8_t* const expanded[3],
+                      const band_rows* rows) {
     const int32_t width = bundle->expand.dst_width;
-    const size_t offset = index * 3 * (size_t)width;
     merge_rows inputs;
     inputs.mask = bundle->mask + (size_t)row * (size_t)width;
     inputs.src = read_rows(&bundle->src, row, 1, width, rows->cut_src);
     inputs.under = read_rows(&bundle->dst, row, 1, width, rows->cut_dst);
-    inputs.expanded_src = rows->expanded[0] + offset;
-    inputs.expanded_under = rows->expanded[1] + offset;
-    inputs.expanded_result = rows->expanded[2] + offset;
+    inputs.expanded_src = expanded[0];
+    inputs.expanded_under = expanded[1];
+    inputs.expanded_result = expanded[2];
     uint8_t* out = result_row(&bundle->result, row, width, rows->out);
     ImageMerge_Byte3C(&inputs, out, width);
     store_row(&bundle->result, row, width, out);
 }
 
+// The finer rows that lie on coarse row `row` and between it and the next, and behind the last one
+// a copy where the finer level has a row more.
+static void merge_row_pair(const band_bundle* bundle, int32_t row, const band_rows* rows) {
+    const size_t row_bytes = 3 * (size_t)bundle->expand.dst_width;
+    const bool is_last = row == bundle->expand.src_height - 1;
+    const uint8_t *even[3], *odd[3], *centre[3];
+    for (size_t i = 0; i < 3; i++) {
+        const uint8_t* above = ring_row(rows, i, row > 0 ? row - 1 : row, row_bytes);
+        const uint8_t* below = ring_row(rows, i, is_last ? row : row + 1, row_bytes);
+        centre[i] = ring_row(rows, i, row, row_bytes);
+        even[i] = rows->expanded[i];
+        odd[i] = rows->expanded[i] + row_bytes;
+        active_rows()->expand_even(above, centre[i], below, rows->expanded[i], row_bytes);
+        active_rows()->expand_odd(centre[i], below, rows->expanded[i] + row_bytes, row_bytes);
+    }
+    merge_row(bundle, 2 * row, even, rows);
+    merge_row(bundle, 2 * row + 1, odd, rows);
+    if (is_last && 2 * (row + 1) < bundle->expand.dst_height) {
+        merge_row(bundle, 2 * row + 2, centre, rows);
+    }
+}
+
 void* band_bundle_collapse(void* arg) {
     const band_bundle* bundle = (const band_bundle*)arg;
     const band_rows rows = split_band_scratch(bundle->scratch, bundle->expand.dst_width);
-    const picture* const coarse[3] = {&bundle->coarse_src, &bundle->coarse_dst,
-                                      &bundle->coarse_result};
-    for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row);
-        for (size_t i = 0; i < 3; i++) {
-            expand_strip(bundle, &s, coarse[i], &rows, rows.expanded[i]);
-        }
-        const int32_t fine_begin = 2 * s.begin;
-        const int32_t fine_end = s.band_pos == BAND_LAST ? bundle->expand.dst_height : 2 * s.end;
-        for (int32_t y = fine_begin; y < fine_end; y++) {
-            merge_row(bundle, y, (size_t)(y - fine_begin), &rows);
-        }
-        row = s.end;
+    if (bundle->begin > 0) fill_rings(bundle, bundle->begin - 1, &rows);
+    fill_rings(bundle, bundle->begin, &rows);
+    for (int32_t row = bundle->begin; row < bundle->end; row++) {
+        if (row + 1 < bundle->expand.src_height) fill_rings(bundle, row + 1, &rows);
+        merge_row_pair(bundle, row, &rows);
     }
     pool_signal_done(bundle->pool);
     return NULL;

@@ -1,8 +1,8 @@
 // One band's share of one stage of the pyramid driver, as one pool task.
 //
-// A bundle walks its band in strips of a few rows and runs its kernels on each strip in turn, so
-// that what one kernel leaves for the next stays in the cache: no expanded plane and no 16-bit
-// plane is ever whole in memory.
+// On the way down a bundle walks its band in strips of a few rows, on the way up row by row, and
+// runs its kernels on each in turn, so that what one kernel leaves for the next stays in the cache:
+// no expanded plane and no 16-bit plane is ever whole in memory.
 #ifndef IMAGEBLEND_BLEND_BAND_BUNDLE_H
 #define IMAGEBLEND_BLEND_BAND_BUNDLE_H
 
@@ -18,10 +18,11 @@ enum { BAND_COUNT = 4 };
 typedef struct band_rows {
     int16_t* lap_src;  // 3 w values
     int16_t* lap_dst;  // 3 w values
-    uint8_t* filter;   // the horizontal pass
+    uint8_t* filter;   // the horizontal pass of a reduction
     uint8_t* cut_src;  // rows cut from a frame
     uint8_t* cut_dst;
-    uint8_t* expanded[3];  // source, destination, result
+    uint8_t* ring[3];      // three coarse rows, widened, of source, destination and result
+    uint8_t* expanded[3];  // the two finer rows made of these
     uint8_t* out;
 } band_rows;
 
@@ -32,7 +33,7 @@ band_rows split_band_scratch(uint8_t* scratch, int32_t width);
 
 typedef struct band_bundle {
     band_task reduce;       // a strip of colours into the next level
-    band_task expand;       // a strip of the coarse level to the size of the fine one
+    band_task expand;       // the sizes of the way back
     band_task widen;        // a row of the coarsest level
     band_task mask_reduce;  // a strip of the mask into its next level
     band_task blend;        // a row of the coarsest Laplacian levels under the mask
