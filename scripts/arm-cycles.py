@@ -13,9 +13,9 @@ import sys
 OPERATIONS = {
     "reduce_row_c3": (48, 14), "reduce_row_c1": (16, 14), "expand_row_c3": (32, 10),
     "reduce_column": (48, 16), "expand_even": (48, 16), "expand_odd": (48, 16),
-    "merge": (48, 16), "subtract": (96, 16), "widen": (96, 16), "blend": (96, 16),
-    "collapse": (48, 16), "narrow": (48, 16), "mix_rows": (48, 16), "resample_row_c3": (12, 4),
-    "pack_rgb": (48, 16), "unpack_rgb": (64, 16),
+    "merge_even": (48, 16), "merge_odd": (48, 16), "subtract": (96, 16), "widen": (96, 16),
+    "blend": (96, 16), "collapse": (48, 16), "narrow": (48, 16), "mix_rows": (48, 16),
+    "resample_row_c3": (12, 4), "pack_rgb": (48, 16), "unpack_rgb": (64, 16),
 }
 CORES = ["cortex-a55", "neoverse-n1"]
 NOTED = ["ld3", "ld4", "st3", "st4", "tbl", "uhadd", "urhadd", "umull", "umlal", "smull", "smlal",

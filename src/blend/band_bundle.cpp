@@ -13,7 +13,7 @@ enum { REDUCE_ROWS = 2 * STRIP_ROWS + 4 };
 
 size_t band_scratch_bytes(int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
-    const size_t rows = 2 * 2 + REDUCE_ROWS + 1 + 3 * 3 + 3 * 2 + 1;
+    const size_t rows = 2 * 2 + REDUCE_ROWS + 1 + 1 + 3 * 3;
     return (rows * row_bytes + REDUCE_ROWS * (row_bytes / 2) + 63) & ~(size_t)63;
 }
 
@@ -26,11 +26,9 @@ band_rows split_band_scratch(uint8_t* scratch, int32_t width) {
     rows.cut_dst = rows.cut_src + REDUCE_ROWS * row_bytes;
     rows.out = rows.cut_dst + row_bytes;
     rows.filter = rows.out + row_bytes;
-    uint8_t* next = rows.filter + REDUCE_ROWS * (row_bytes / 2);
-    for (size_t i = 0; i < 3; i++, next += 5 * row_bytes) {
-        rows.ring[i] = next;
-        rows.expanded[i] = next + 3 * row_bytes;
-    }
+    rows.ring[0] = rows.filter + REDUCE_ROWS * (row_bytes / 2);
+    rows.ring[1] = rows.ring[0] + 3 * row_bytes;
+    rows.ring[2] = rows.ring[1] + 3 * row_bytes;
     return rows;
 }
 
@@ -135,42 +133,34 @@ static void fill_rings(const band_bundle* bundle, int32_t row, const band_rows* 
     }
 }
 
-// Row `row` of the result from that row of the three expanded pictures.
-static void merge_row(const band_bundle* bundle, int32_t row, const uint8_t* const expanded[3],
-                      const band_rows* rows) {
+// The rows of the rings around coarse row `row`, or the row alone where it is to be copied.
+static coarse_rows rows_around(const band_bundle* bundle, size_t i, int32_t row, bool copied,
+                               const band_rows* rows) {
+    const size_t row_bytes = 3 * (size_t)bundle->expand.dst_width;
+    const bool is_last = copied || row == bundle->expand.src_height - 1;
+    coarse_rows around;
+    around.above = ring_row(rows, i, row > 0 ? row - 1 : row, row_bytes);
+    around.centre = ring_row(rows, i, row, row_bytes);
+    around.below = ring_row(rows, i, is_last ? row : row + 1, row_bytes);
+    return around;
+}
+
+// Row `row` of the result. Behind the rows of the last coarse row there may be one more, a copy:
+// between the row and itself.
+static void merge_row(const band_bundle* bundle, int32_t row, const band_rows* rows) {
     const int32_t width = bundle->expand.dst_width;
+    const bool copied = row == 2 * bundle->expand.src_height;
+    const int32_t coarse = copied ? row / 2 - 1 : row / 2;
     merge_rows inputs;
     inputs.mask = bundle->mask + (size_t)row * (size_t)width;
     inputs.src = read_rows(&bundle->src, row, 1, width, rows->cut_src);
     inputs.under = read_rows(&bundle->dst, row, 1, width, rows->cut_dst);
-    inputs.expanded_src = expanded[0];
-    inputs.expanded_under = expanded[1];
-    inputs.expanded_result = expanded[2];
+    inputs.coarse_src = rows_around(bundle, 0, coarse, copied, rows);
+    inputs.coarse_under = rows_around(bundle, 1, coarse, copied, rows);
+    inputs.coarse_result = rows_around(bundle, 2, coarse, copied, rows);
     uint8_t* out = result_row(&bundle->result, row, width, rows->out);
-    ImageMerge_Byte3C(&inputs, out, width);
+    ImageMerge_Byte3C(&inputs, copied || row % 2 == 1, out, width);
     store_row(&bundle->result, row, width, out);
-}
-
-// The finer rows that lie on coarse row `row` and between it and the next, and behind the last one
-// a copy where the finer level has a row more.
-static void merge_row_pair(const band_bundle* bundle, int32_t row, const band_rows* rows) {
-    const size_t row_bytes = 3 * (size_t)bundle->expand.dst_width;
-    const bool is_last = row == bundle->expand.src_height - 1;
-    const uint8_t *even[3], *odd[3], *centre[3];
-    for (size_t i = 0; i < 3; i++) {
-        const uint8_t* above = ring_row(rows, i, row > 0 ? row - 1 : row, row_bytes);
-        const uint8_t* below = ring_row(rows, i, is_last ? row : row + 1, row_bytes);
-        centre[i] = ring_row(rows, i, row, row_bytes);
-        even[i] = rows->expanded[i];
-        odd[i] = rows->expanded[i] + row_bytes;
-        active_rows()->expand_even(above, centre[i], below, rows->expanded[i], row_bytes);
-        active_rows()->expand_odd(centre[i], below, rows->expanded[i] + row_bytes, row_bytes);
-    }
-    merge_row(bundle, 2 * row, even, rows);
-    merge_row(bundle, 2 * row + 1, odd, rows);
-    if (is_last && 2 * (row + 1) < bundle->expand.dst_height) {
-        merge_row(bundle, 2 * row + 2, centre, rows);
-    }
 }
 
 void* band_bundle_collapse(void* arg) {
@@ -180,7 +170,12 @@ void* band_bundle_collapse(void* arg) {
     fill_rings(bundle, bundle->begin, &rows);
     for (int32_t row = bundle->begin; row < bundle->end; row++) {
         if (row + 1 < bundle->expand.src_height) fill_rings(bundle, row + 1, &rows);
-        merge_row_pair(bundle, row, &rows);
+        merge_row(bundle, 2 * row, &rows);
+        merge_row(bundle, 2 * row + 1, &rows);
+    }
+    const bool is_last = bundle->end == bundle->expand.src_height;
+    if (is_last && 2 * bundle->end < bundle->expand.dst_height) {
+        merge_row(bundle, 2 * bundle->end, &rows);
     }
     pool_signal_done(bundle->pool);
     return NULL;

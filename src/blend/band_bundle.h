@@ -21,8 +21,7 @@ typedef struct band_rows {
     uint8_t* filter;   // the horizontal pass of a reduction
     uint8_t* cut_src;  // rows cut from a frame
     uint8_t* cut_dst;
-    uint8_t* ring[3];      // three coarse rows, widened, of source, destination and result
-    uint8_t* expanded[3];  // the two finer rows made of these
+    uint8_t* ring[3];  // three coarse rows, widened, of source, destination and result
     uint8_t* out;
 } band_rows;
 

@@ -9,20 +9,6 @@
 
 #include "kernels/avx2_vectors.h"
 
-static inline bytes32 average_up(bytes32 a, bytes32 b) {
-    return _mm256_avg_epu8(a, b);
-}
-static inline bytes32 invert(bytes32 v) {
-    return _mm256_xor_si256(v, _mm256_set1_epi8(-1));
-}
-
-// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step. The mean of
-// inverted values is an inverted mean that is rounded down.
-static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
-    const bytes32 ac = average_up(invert(a), invert(c));
-    return average_up(b, invert(average_up(invert(b), ac)));
-}
-
 static inline __m256i weigh(bytes32 pairs, int first, int second) {
     return _mm256_maddubs_epi16(pairs, pair_weights(first, second));
 }
@@ -205,147 +191,6 @@ void avx2_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_
     avx2_expand_ends_c3(src, src_width, dst, dst_width);
 }
 
-void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
-    if (count < 16) return plain_rows.subtract(a, b, dst, count);
-    for_each_vector(count, 16, [=](size_t i) {
-        store_values(dst + i, _mm256_sub_epi16(widen16(a + i), widen16(b + i)));
-    });
-}
-
-void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
-    if (count < 16) return plain_rows.widen(src, dst, count);
-    for_each_vector(count, 16, [=](size_t i) { store_values(dst + i, widen16(src + i)); });
-}
-
-// With d = a - b the blend is b + ((m d - b + 128) >> 8). m d has up to 18 bits: its upper part
-// comes from the high half of (64 d)(4 m), its low byte from the low half of m d.
-static inline __m256i blend_values(__m256i m, __m256i a, __m256i b) {
-    const __m256i d = _mm256_sub_epi16(a, b);
-    const __m256i upper = _mm256_mulhi_epi16(_mm256_slli_epi16(d, 6), _mm256_slli_epi16(m, 2));
-    const __m256i lower = _mm256_and_si256(_mm256_mullo_epi16(d, m), _mm256_set1_epi16(255));
-    const __m256i rest = _mm256_add_epi16(_mm256_sub_epi16(lower, b), _mm256_set1_epi16(128));
-    return _mm256_add_epi16(_mm256_add_epi16(b, upper), _mm256_srai_epi16(rest, 8));
-}
-
-// Mask bytes of a third of 16 pixels, each three times, as 16-bit weights.
-static inline __m256i mask_triples(__m128i mask, size_t third) {
-    const __m128i triples[3] = {
-        _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5),
-        _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
-        _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
-    return _mm256_cvtepu8_epi16(_mm_shuffle_epi8(mask, triples[third]));
-}
-
-// 16 pixels of three channels.
-typedef struct blended_pixels {
-    __m256i values[3];
-} blended_pixels;
-
-static inline blended_pixels blend_pixels(const uint8_t* mask, const int16_t* a, const int16_t* b) {
-    const __m128i m = load16(mask);
-    blended_pixels out;
-    for (size_t k = 0; k < 3; k++) {
-        out.values[k] =
-            blend_values(mask_triples(m, k), load_values(a + 16 * k), load_values(b + 16 * k));
-    }
-    return out;
-}
-
-static inline void store_pixels(int16_t* dst, const blended_pixels* pixels) {
-    for (size_t k = 0; k < 3; k++)
-        store_values(dst + 16 * k, pixels->values[k]);
-}
-
-// The output may be an input: the last pixels are computed before any is stored.
-void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                size_t pixels) {
-    if (pixels < 16) return plain_rows.blend(mask, a, b, dst, pixels);
-    const size_t last = pixels - 16;
-    const blended_pixels tail = blend_pixels(mask + last, a + 3 * last, b + 3 * last);
-    for (size_t p = 0; p + 16 <= pixels; p += 16) {
-        const blended_pixels run = blend_pixels(mask + p, a + 3 * p, b + 3 * p);
-        store_pixels(dst + 3 * p, &run);
-    }
-    store_pixels(dst + 3 * last, &tail);
-}
-
-void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count) {
-    if (count < 32) return plain_rows.collapse(lap, base, dst, count);
-    for_each_vector(count, 32, [=](size_t i) {
-        const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
-        const __m256i high = _mm256_add_epi16(load_values(lap + i + 16), widen16(base + i + 16));
-        store(dst + i, pack_in_order(low, high));
-    });
-}
-
-// 32 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
-// and gives one to those below -127. One of the two parts is 0, so each saturates by itself.
-static inline bytes32 merge_one(bytes32 row, bytes32 expanded, bytes32 result) {
-    const bytes32 above = _mm256_subs_epu8(row, expanded), below = _mm256_subs_epu8(expanded, row);
-    const bytes32 is_above =
-        _mm256_cmpeq_epi8(_mm256_max_epu8(above, _mm256_set1_epi8(-127)), above);
-    // The bit of 128 is the sign.
-    const bytes32 is_below = _mm256_cmpgt_epi8(_mm256_setzero_si256(), below);
-    const bytes32 gain = _mm256_add_epi8(above, is_above), loss = _mm256_add_epi8(below, is_below);
-    return _mm256_subs_epu8(_mm256_adds_epu8(result, gain), loss);
-}
-
-// 32 pixels where the mask is all 0 or all 255: only one picture counts.
-static inline void merge_one_run(const uint8_t* row, const uint8_t* expanded, const uint8_t* result,
-                                 uint8_t* dst) {
-    const bytes32 first = merge_one(load(row), load(expanded), load(result));
-    const bytes32 second = merge_one(load(row + 32), load(expanded + 32), load(result + 32));
-    const bytes32 third = merge_one(load(row + 64), load(expanded + 64), load(result + 64));
-    store(dst, first);
-    store(dst + 32, second);
-    store(dst + 64, third);
-}
-
-// 16 pixels of any mask.
-static inline void merge_both(__m128i mask, const merge_rows* rows, size_t i, uint8_t* dst) {
-    __m256i values[3];
-#pragma GCC unroll 3
-    for (size_t k = 0; k < 3; k++, i += 16) {
-        const __m256i a = _mm256_sub_epi16(widen16(rows->src + i), widen16(rows->expanded_src + i));
-        const __m256i b =
-            _mm256_sub_epi16(widen16(rows->under + i), widen16(rows->expanded_under + i));
-        const __m256i blended = blend_values(mask_triples(mask, k), a, b);
-        values[k] = _mm256_add_epi16(blended, widen16(rows->expanded_result + i));
-    }
-    store(dst, pack_in_order(values[0], values[1]));
-    store16(dst + 32, _mm256_castsi256_si128(pack_in_order(values[2], values[2])));
-}
-
-void avx2_merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
-    if (pixels < 32) return plain_rows.merge(rows, dst, pixels);
-    const merge_rows r = *rows;
-    // The step stands in the code once: it is long.
-    const size_t last = pixels - 32;
-    for (size_t p = 0;;) {
-        const bytes32 mask = load(r.mask + p);
-        const size_t i = 3 * p;
-        if (_mm256_testz_si256(mask, mask)) {
-            merge_one_run(r.under + i, r.expanded_under + i, r.expanded_result + i, dst + i);
-        } else if (_mm256_testc_si256(mask, _mm256_set1_epi8(-1))) {
-            merge_one_run(r.src + i, r.expanded_src + i, r.expanded_result + i, dst + i);
-        } else {
-            merge_both(_mm256_castsi256_si128(mask), &r, i, dst + i);
-            merge_both(_mm256_extracti128_si256(mask, 1), &r, i + 48, dst + i + 48);
-        }
-        if (p == last) return;
-        p = p + 32 < last ? p + 32 : last;
-    }
-}
-
-void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
-    if (count < 32) return plain_rows.narrow(src, dst, count);
-    const __m256i low_byte = _mm256_set1_epi16(255);
-    for_each_vector(count, 32, [=](size_t i) {
-        store(dst + i, pack_in_order(_mm256_and_si256(load_values(src + i), low_byte),
-                                     _mm256_and_si256(load_values(src + i + 16), low_byte)));
-    });
-}
-
 const row_ops* avx2_table(void) {
     static const row_ops table = {
         "avx2",
@@ -360,7 +205,8 @@ const row_ops* avx2_table(void) {
         avx2_widen,
         avx2_blend,
         avx2_collapse,
-        avx2_merge,
+        avx2_merge_even,
+        avx2_merge_odd,
         avx2_narrow,
         avx2_mix_rows,
         avx2_resample_row_c3,

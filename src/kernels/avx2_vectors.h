@@ -32,9 +32,13 @@ static inline void store6(uint8_t* p, __m128i v) {
     memcpy(p, &low, 6);
 }
 
+static inline bytes32 join(__m128i low, __m128i high) {
+    return _mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
+}
+
 // Two runs of 16 bytes, one in each half.
 static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
-    return _mm256_inserti128_si256(_mm256_castsi128_si256(load16(low)), load16(high), 1);
+    return join(load16(low), load16(high));
 }
 
 static inline __m256i widen16(const uint8_t* p) {
@@ -44,6 +48,20 @@ static inline __m256i widen16(const uint8_t* p) {
 // Bytes of two vectors of 16 values in their order, each saturated to 0..255.
 static inline bytes32 pack_in_order(__m256i low, __m256i high) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xd8);
+}
+
+static inline bytes32 average_up(bytes32 a, bytes32 b) {
+    return _mm256_avg_epu8(a, b);
+}
+static inline bytes32 invert(bytes32 v) {
+    return _mm256_xor_si256(v, _mm256_set1_epi8(-1));
+}
+
+// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step. The mean of
+// inverted values is an inverted mean that is rounded down.
+static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
+    const bytes32 ac = average_up(invert(a), invert(c));
+    return average_up(b, invert(average_up(invert(b), ac)));
 }
 
 // Weights of a pair of neighbouring bytes for _mm256_maddubs_epi16.
@@ -58,8 +76,8 @@ static inline void store_two_twelves(uint8_t* p, __m256i v) {
     _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
 }
 
-// Operations of avx2_rows.cpp and avx2_resample.cpp, as row_ops.h describes them. Most serve the
-// table for wider vectors too.
+// Operations of avx2_rows.cpp, avx2_blend.cpp and avx2_resample.cpp, as row_ops.h describes them.
+// Most serve the table for wider vectors too.
 void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                         int32_t dst_width);
 void avx2_reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -75,7 +93,8 @@ void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t c
 void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
                 size_t pixels);
 void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count);
-void avx2_merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+void avx2_merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+void avx2_merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
 void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
 void avx2_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
                    size_t bytes);

@@ -23,8 +23,9 @@ int32_t ImageCollapse_Short3C(const band_task* task) {
     return 0;
 }
 
-void ImageMerge_Byte3C(const merge_rows* rows, uint8_t* dst, int32_t pixels) {
-    if (pixels > 0) active_rows()->merge(rows, dst, (size_t)pixels);
+void ImageMerge_Byte3C(const merge_rows* rows, bool odd, uint8_t* dst, int32_t pixels) {
+    const row_ops* ops = active_rows();
+    if (pixels > 0) (odd ? ops->merge_odd : ops->merge_even)(rows, dst, (size_t)pixels);
 }
 
 static void blend_band(const band_task* task, size_t pixels) {

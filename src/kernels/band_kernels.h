@@ -22,10 +22,11 @@ int32_t ImageWiden_Byte3C(const band_task* task);
 // collapse.
 int32_t ImageCollapse_Short3C(const band_task* task);
 
-// The four steps of the way up in one, for one row: ImageLaplace_Byte3C of the source and of the
-// destination, ImageBlend_Short3C and ImageCollapse_Short3C, without the 16-bit rows between them.
-// `pixels` pixels; `dst` holds three bytes for each.
-void ImageMerge_Byte3C(const merge_rows* rows, uint8_t* dst, int32_t pixels);
+// The way up in one, for an even or an odd row: the columns of ImageExpand_BandC3 for the source,
+// the destination and the result, ImageLaplace_Byte3C of the first two, ImageBlend_Short3C and
+// ImageCollapse_Short3C, without the rows between them. `pixels` pixels; `dst` holds three bytes
+// for each.
+void ImageMerge_Byte3C(const merge_rows* rows, bool odd, uint8_t* dst, int32_t pixels);
 
 // For each channel of pixel p, with m = src[p] and lap, lap2 in -255..255:
 //   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down

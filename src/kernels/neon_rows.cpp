@@ -259,12 +259,26 @@ static inline uint16x8_t add_weighted(uint16x8_t result, uint16x8_t p, uint16x8_
     return vreinterpretq_u16_s16(vrsraq_n_s16(vreinterpretq_s16_u16(result), half, 7));
 }
 
-// 16 values under the weights m.
+// The phases of a merge: rows of a coarser level expanded down the columns.
+struct even_rows {
+    static inline bytes16 at(const coarse_rows* rows, size_t i) {
+        return even_phase(vld1q_u8(rows->above + i), vld1q_u8(rows->centre + i),
+                          vld1q_u8(rows->below + i));
+    }
+};
+struct odd_rows {
+    static inline bytes16 at(const coarse_rows* rows, size_t i) {
+        return vrhaddq_u8(vld1q_u8(rows->centre + i), vld1q_u8(rows->below + i));
+    }
+};
+
+// 16 values from byte i on under the weights m.
+template <class Phase>
 static inline bytes16 merge_both(bytes16 m, const merge_rows* rows, size_t i) {
-    const bytes16 n = vmvnq_u8(m), result = vld1q_u8(rows->expanded_result + i);
+    const bytes16 n = vmvnq_u8(m), result = Phase::at(&rows->coarse_result, i);
     const bytes16 src = vld1q_u8(rows->src + i), under = vld1q_u8(rows->under + i);
-    const bytes16 coarse_src = vld1q_u8(rows->expanded_src + i);
-    const bytes16 coarse_under = vld1q_u8(rows->expanded_under + i);
+    const bytes16 coarse_src = Phase::at(&rows->coarse_src, i);
+    const bytes16 coarse_under = Phase::at(&rows->coarse_under, i);
     const uint8x8_t m_low = vget_low_u8(m), n_low = vget_low_u8(n);
     const uint16x8_t p_low = vmlal_u8(vmull_u8(m_low, vget_low_u8(src)), n_low, vget_low_u8(under));
     const uint16x8_t q_low =
@@ -275,44 +289,57 @@ static inline bytes16 merge_both(bytes16 m, const merge_rows* rows, size_t i) {
                     add_weighted(vmovl_high_u8(result), p_high, q_high));
 }
 
-static inline uint8x16x3_t merge_one_run(const uint8_t* row, const uint8_t* expanded,
-                                         const uint8_t* result) {
+template <class Phase>
+static inline uint8x16x3_t merge_one_run(const uint8_t* row, const coarse_rows* coarse,
+                                         const coarse_rows* result, size_t i) {
     const uint8x16x3_t out = {
-        {merge_one(vld1q_u8(row), vld1q_u8(expanded), vld1q_u8(result)),
-         merge_one(vld1q_u8(row + 16), vld1q_u8(expanded + 16), vld1q_u8(result + 16)),
-         merge_one(vld1q_u8(row + 32), vld1q_u8(expanded + 32), vld1q_u8(result + 32))}};
+        {merge_one(vld1q_u8(row + i), Phase::at(coarse, i), Phase::at(result, i)),
+         merge_one(vld1q_u8(row + i + 16), Phase::at(coarse, i + 16), Phase::at(result, i + 16)),
+         merge_one(vld1q_u8(row + i + 32), Phase::at(coarse, i + 32), Phase::at(result, i + 32))}};
     return out;
 }
 
 // 16 pixels of three channels. Only one picture counts where their mask is all 0 or all 255. That
 // is asked of general registers, which saves the way there from the vectors.
+template <class Phase>
 static inline uint8x16x3_t merge_pixels(const merge_rows* rows, size_t p) {
     uint64_t mask[2];
     memcpy(mask, rows->mask + p, 16);
     const size_t i = 3 * p;
     if ((mask[0] | mask[1]) == 0)
-        return merge_one_run(rows->under + i, rows->expanded_under + i, rows->expanded_result + i);
+        return merge_one_run<Phase>(rows->under, &rows->coarse_under, &rows->coarse_result, i);
     if ((mask[0] & mask[1]) == UINT64_MAX)
-        return merge_one_run(rows->src + i, rows->expanded_src + i, rows->expanded_result + i);
+        return merge_one_run<Phase>(rows->src, &rows->coarse_src, &rows->coarse_result, i);
     const uint8x16x3_t m = weights_of(vld1q_u8(rows->mask + p));
-    const uint8x16x3_t out = {{merge_both(m.val[0], rows, i), merge_both(m.val[1], rows, i + 16),
-                               merge_both(m.val[2], rows, i + 32)}};
+    const uint8x16x3_t out = {{merge_both<Phase>(m.val[0], rows, i),
+                               merge_both<Phase>(m.val[1], rows, i + 16),
+                               merge_both<Phase>(m.val[2], rows, i + 32)}};
     return out;
 }
 
-static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
-    if (pixels < 16) return plain_rows.merge(rows, dst, pixels);
+template <class Phase>
+static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     const merge_rows r = *rows;
     // The step stands in the code once: it is long.
     const size_t last = pixels - 16;
     for (size_t p = 0;;) {
-        const uint8x16x3_t run = merge_pixels(&r, p);
+        const uint8x16x3_t run = merge_pixels<Phase>(&r, p);
         vst1q_u8(dst + 3 * p, run.val[0]);
         vst1q_u8(dst + 3 * p + 16, run.val[1]);
         vst1q_u8(dst + 3 * p + 32, run.val[2]);
         if (p == last) return;
         p = p + 16 < last ? p + 16 : last;
     }
+}
+
+static void merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    if (pixels < 16) return plain_rows.merge_even(rows, dst, pixels);
+    merge<even_rows>(rows, dst, pixels);
+}
+
+static void merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    if (pixels < 16) return plain_rows.merge_odd(rows, dst, pixels);
+    merge<odd_rows>(rows, dst, pixels);
 }
 
 static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
@@ -325,11 +352,25 @@ static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_
 }
 
 static const row_ops table = {
-    "neon",        250000,          reduce_row_c3, reduce_row_c1,
-    expand_row_c3, reduce_column,   expand_even,   expand_odd,
-    subtract,      widen,           blend,         collapse,
-    merge,         narrow,          neon_mix_rows, neon_resample_row_c3,
-    neon_pack_rgb, neon_unpack_rgb,
+    "neon",
+    250000,
+    reduce_row_c3,
+    reduce_row_c1,
+    expand_row_c3,
+    reduce_column,
+    expand_even,
+    expand_odd,
+    subtract,
+    widen,
+    blend,
+    collapse,
+    merge_even,
+    merge_odd,
+    narrow,
+    neon_mix_rows,
+    neon_resample_row_c3,
+    neon_pack_rgb,
+    neon_unpack_rgb,
 };
 
 const row_ops* neon_rows(void) {

@@ -116,16 +116,30 @@ static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restric
     }
 }
 
-static void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+static inline int32_t expanded_at(const coarse_rows* rows, size_t i, bool odd) {
+    return odd ? expand2(rows->centre[i], rows->below[i])
+               : expand3(rows->above[i], rows->centre[i], rows->below[i]);
+}
+
+static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels, bool odd) {
     for (size_t p = 0; p < pixels; p++) {
         const int32_t m = rows->mask[p];
         for (size_t i = 3 * p; i < 3 * p + 3; i++) {
-            const int32_t a = rows->src[i] - rows->expanded_src[i];
-            const int32_t b = rows->under[i] - rows->expanded_under[i];
-            const int32_t sum = rows->expanded_result[i] + ((m * a + (255 - m) * b + 128) >> 8);
+            const int32_t a = rows->src[i] - expanded_at(&rows->coarse_src, i, odd);
+            const int32_t b = rows->under[i] - expanded_at(&rows->coarse_under, i, odd);
+            const int32_t sum =
+                expanded_at(&rows->coarse_result, i, odd) + ((m * a + (255 - m) * b + 128) >> 8);
             dst[i] = (uint8_t)(sum < 0 ? 0 : (sum > 255 ? 255 : sum));
         }
     }
+}
+
+static void merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    merge(rows, dst, pixels, false);
+}
+
+static void merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    merge(rows, dst, pixels, true);
 }
 
 static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
@@ -166,7 +180,7 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",     50000,      reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column,
-    expand_even, expand_odd, subtract,      widen,           blend,         collapse,
-    merge,       narrow,     mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
+    "plain",    50000,    reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column, expand_even,
+    expand_odd, subtract, widen,           blend,         collapse,      merge_even,    merge_odd,
+    narrow,     mix_rows, resample_row_c3, pack_rgb,      unpack_rgb,
 };

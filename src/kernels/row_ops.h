@@ -12,14 +12,21 @@
 #include <stddef.h>
 #include <stdint.h>
 
+// Rows of a coarser level, already as wide as the finer one, that lie around a finer row.
+typedef struct coarse_rows {
+    const uint8_t* above;  // of an odd row not read
+    const uint8_t* centre;
+    const uint8_t* below;
+} coarse_rows;
+
 // Inputs of one merged row; three channels but for the mask.
 typedef struct merge_rows {
     const uint8_t* mask;
     const uint8_t* src;    // where the mask is set
     const uint8_t* under;  // where it is not
-    const uint8_t* expanded_src;
-    const uint8_t* expanded_under;
-    const uint8_t* expanded_result;
+    coarse_rows coarse_src;
+    coarse_rows coarse_under;
+    coarse_rows coarse_result;
 } merge_rows;
 
 // One output pixel between source pixels `sample` and sample + 1; `weight` of 128 parts is the
@@ -77,12 +84,14 @@ typedef struct row_ops {
     void (*collapse)(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
                      size_t count);
 
-    // subtract twice, blend and collapse in one: a row of one level of the blended pyramid, made
-    // from the level's pictures, their expanded coarser levels and the expanded coarser result.
-    //   dst = min(max(expanded_result + ((m (src - expanded_src)
-    //                                     + (255 - m) (under - expanded_under) + 128) >> 8), 0),
-    //                                     255)
-    void (*merge)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+    // Expand three times down the columns, subtract twice, blend and collapse in one: a row of one
+    // level of the blended pyramid, made from the level's pictures and from the coarser levels of
+    // both and of the result.
+    //   e_x = expand_even(x.above, x.centre, x.below) or expand_odd(x.centre, x.below)
+    //   dst = min(max(e_result + ((m (src - e_src) + (255 - m) (under - e_under) + 128) >> 8), 0),
+    //             255)
+    void (*merge_even)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+    void (*merge_odd)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
 
     // dst = the low 8 bits of src.
     void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);

@@ -70,7 +70,8 @@ std::vector<row_case> element_cases(size_t n, int kind) {
     const bytes lap2 = naive::bytes_of(naive::signed_data(4, 3 * n, 255, n + 1));
     const bytes wide = naive::bytes_of(naive::signed_data(kind, n, 32767, n));
     const bytes lap_n(lap.begin(), lap.begin() + static_cast<ptrdiff_t>(2 * n));
-    const bytes c3 = data(3 * n), d3 = other(3 * n), mask = n % 3 == 0 ? data(n) : other(n);
+    const bytes c3 = data(3 * n), d3 = other(3 * n), e3 = naive::data(5, 3 * n, n),
+                mask = n % 3 == 0 ? data(n) : other(n);
     const int weight = static_cast<int>(n * 37) % 129;
     std::vector<row_case> cases;
     const auto add = [&](const char* name, const std::vector<bytes>& inputs, size_t output_bytes,
@@ -98,10 +99,16 @@ std::vector<row_case> element_cases(size_t n, int kind) {
         memcpy(out, in[2], 6 * n);
         t.blend(in[0], words_at(in[1]), words_at(out), words_at(out), n);
     });
-    add("merge", {mask, c3, d3, d3, c3, c3}, 3 * n, [=](auto& t, auto& in, auto* out) {
-        const merge_rows rows = {in[0], in[1], in[2], in[3], in[4], in[5]};
-        t.merge(&rows, out, n);
-    });
+    for (const auto merge : {&row_ops::merge_even, &row_ops::merge_odd})
+        add("merge", {mask, c3, d3, d3, c3, c3, e3}, 3 * n, [=](auto& t, auto& in, auto* out) {
+            const merge_rows rows = {in[0],
+                                     in[1],
+                                     in[2],
+                                     {in[3], in[6], in[4]},
+                                     {in[5], in[4], in[6]},
+                                     {in[6], in[5], in[3]}};
+            (t.*merge)(&rows, out, n);
+        });
     add("pack_rgb", {other(4 * n)}, 3 * n,
         [=](auto& t, auto& in, auto* out) { t.pack_rgb(in[0], out, n); });
     add("unpack_rgb", {other(3 * n)}, 4 * n,
@@ -196,6 +203,11 @@ TEST_P(Rows, OfEveryPairOfBytes) {
     }
 }
 
+// Coarser rows that are alike expand to themselves.
+coarse_rows alike(const bytes& row) {
+    return {row.data(), row.data(), row.data()};
+}
+
 // Blends of every mask and value, and merges of differences that give them.
 TEST_P(Rows, OfEveryMaskAndValue) {
     constexpr int values = 511;  // -255 .. 255
@@ -206,7 +218,7 @@ TEST_P(Rows, OfEveryMaskAndValue) {
     for (int mask = 0; mask < 256; ++mask) {
         const bytes row(values, static_cast<uint8_t>(mask));
         const merge_rows rows = {row.data(),        src.data(),          under.data(),
-                                 coarse_src.data(), coarse_under.data(), base.data()};
+                                 alike(coarse_src), alike(coarse_under), alike(base)};
         // Every a meets every seventh b, from a start that differs from mask to mask, and the ends.
         for (int step = -2; step < values; step += 7) {
             for (size_t i = 0; i < count; ++i) {
@@ -222,7 +234,8 @@ TEST_P(Rows, OfEveryMaskAndValue) {
                 base[i] = static_cast<uint8_t>(i * 7);
             }
             GetParam()->blend(row.data(), a.data(), b.data(), out.data(), values);
-            GetParam()->merge(&rows, merged.data(), values);
+            const auto merge = step % 2 == 0 ? GetParam()->merge_even : GetParam()->merge_odd;
+            merge(&rows, merged.data(), values);
             for (size_t i = 0; i < count; ++i) {
                 const int16_t expected = naive::blended(mask, a[i], b[i]);
                 ASSERT_TRUE(out[i] == expected && merged[i] == naive::collapsed(expected, base[i]))
@@ -246,11 +259,13 @@ TEST_P(Rows, MergeOfOnePicture) {
         for (const int base : {0, 1, 100, 128, 254, 255}) {
             const bytes result(values, static_cast<uint8_t>(base));
             const merge_rows rows = {row.data(),      picture.data(),  picture.data(),
-                                     expanded.data(), expanded.data(), result.data()};
-            GetParam()->merge(&rows, out.data(), values / 3);
-            for (size_t i = 0; i < values; ++i) {
-                const int weighted = (255 * (picture[i] - expanded[i]) + 128) >> 8;
-                ASSERT_EQ(out[i], naive::collapsed(weighted, base)) << mask << " at " << i;
+                                     alike(expanded), alike(expanded), alike(result)};
+            for (const auto merge : {GetParam()->merge_even, GetParam()->merge_odd}) {
+                merge(&rows, out.data(), values / 3);
+                for (size_t i = 0; i < values; ++i) {
+                    const int weighted = (255 * (picture[i] - expanded[i]) + 128) >> 8;
+                    ASSERT_EQ(out[i], naive::collapsed(weighted, base)) << mask << " at " << i;
+                }
             }
         }
     }

@@ -1,0 +1,190 @@
+// Differences of levels, their blend under the mask and the way back to bytes, in 256-bit vectors
+// of x86-64. Reached through the table of avx2_rows.cpp.
+#if defined(__AVX2__)
+
+#include "kernels/avx2_vectors.h"
+
+void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
+    if (count < 16) return plain_rows.subtract(a, b, dst, count);
+    for_each_vector(count, 16, [=](size_t i) {
+        store_values(dst + i, _mm256_sub_epi16(widen16(a + i), widen16(b + i)));
+    });
+}
+
+void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
+    if (count < 16) return plain_rows.widen(src, dst, count);
+    for_each_vector(count, 16, [=](size_t i) { store_values(dst + i, widen16(src + i)); });
+}
+
+// With d = a - b the blend is b + ((m d - b + 128) >> 8). m d has up to 18 bits: its upper part
+// comes from the high half of (64 d)(4 m), its low byte from the low half of m d.
+static inline __m256i blend_values(__m256i m, __m256i a, __m256i b) {
+    const __m256i d = _mm256_sub_epi16(a, b);
+    const __m256i upper = _mm256_mulhi_epi16(_mm256_slli_epi16(d, 6), _mm256_slli_epi16(m, 2));
+    const __m256i lower = _mm256_and_si256(_mm256_mullo_epi16(d, m), _mm256_set1_epi16(255));
+    const __m256i rest = _mm256_add_epi16(_mm256_sub_epi16(lower, b), _mm256_set1_epi16(128));
+    return _mm256_add_epi16(_mm256_add_epi16(b, upper), _mm256_srai_epi16(rest, 8));
+}
+
+// Mask bytes of a third of 16 pixels, each three times.
+static inline __m128i triple_bytes(__m128i mask, size_t third) {
+    const __m128i triples[3] = {
+        _mm_setr_epi8(0, 0, 0, 1, 1, 1, 2, 2, 2, 3, 3, 3, 4, 4, 4, 5),
+        _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
+        _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
+    return _mm_shuffle_epi8(mask, triples[third]);
+}
+
+// 16 pixels of three channels.
+typedef struct blended_pixels {
+    __m256i values[3];
+} blended_pixels;
+
+static inline blended_pixels blend_pixels(const uint8_t* mask, const int16_t* a, const int16_t* b) {
+    const __m128i m = load16(mask);
+    blended_pixels out;
+    for (size_t k = 0; k < 3; k++) {
+        out.values[k] = blend_values(_mm256_cvtepu8_epi16(triple_bytes(m, k)),
+                                     load_values(a + 16 * k), load_values(b + 16 * k));
+    }
+    return out;
+}
+
+static inline void store_pixels(int16_t* dst, const blended_pixels* pixels) {
+    for (size_t k = 0; k < 3; k++)
+        store_values(dst + 16 * k, pixels->values[k]);
+}
+
+// The output may be an input: the last pixels are computed before any is stored.
+void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
+                size_t pixels) {
+    if (pixels < 16) return plain_rows.blend(mask, a, b, dst, pixels);
+    const size_t last = pixels - 16;
+    const blended_pixels tail = blend_pixels(mask + last, a + 3 * last, b + 3 * last);
+    for (size_t p = 0; p + 16 <= pixels; p += 16) {
+        const blended_pixels run = blend_pixels(mask + p, a + 3 * p, b + 3 * p);
+        store_pixels(dst + 3 * p, &run);
+    }
+    store_pixels(dst + 3 * last, &tail);
+}
+
+void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count) {
+    if (count < 32) return plain_rows.collapse(lap, base, dst, count);
+    for_each_vector(count, 32, [=](size_t i) {
+        const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
+        const __m256i high = _mm256_add_epi16(load_values(lap + i + 16), widen16(base + i + 16));
+        store(dst + i, pack_in_order(low, high));
+    });
+}
+
+// 32 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
+// and gives one to those below -127. One of the two parts is 0, so each saturates by itself.
+static inline bytes32 merge_one(bytes32 row, bytes32 expanded, bytes32 result) {
+    const bytes32 above = _mm256_subs_epu8(row, expanded), below = _mm256_subs_epu8(expanded, row);
+    const bytes32 is_above =
+        _mm256_cmpeq_epi8(_mm256_max_epu8(above, _mm256_set1_epi8(-127)), above);
+    // The bit of 128 is the sign.
+    const bytes32 is_below = _mm256_cmpgt_epi8(_mm256_setzero_si256(), below);
+    const bytes32 gain = _mm256_add_epi8(above, is_above), loss = _mm256_add_epi8(below, is_below);
+    return _mm256_subs_epu8(_mm256_adds_epu8(result, gain), loss);
+}
+
+// The phases of a merge: rows of a coarser level expanded down the columns.
+struct even_rows {
+    static inline bytes32 at(const coarse_rows* rows, size_t i) {
+        return even_phase(load(rows->above + i), load(rows->centre + i), load(rows->below + i));
+    }
+};
+struct odd_rows {
+    static inline bytes32 at(const coarse_rows* rows, size_t i) {
+        return average_up(load(rows->centre + i), load(rows->below + i));
+    }
+};
+
+// 32 pixels where the mask is all 0 or all 255: only one picture counts.
+template <class Phase>
+static inline void merge_one_run(const uint8_t* row, const coarse_rows* coarse,
+                                 const coarse_rows* result, size_t i, uint8_t* dst) {
+    bytes32 out[3];
+#pragma GCC unroll 3
+    for (size_t k = 0; k < 3; k++) {
+        const size_t at = i + 32 * k;
+        out[k] = merge_one(load(row + at), Phase::at(coarse, at), Phase::at(result, at));
+    }
+#pragma GCC unroll 3
+    for (size_t k = 0; k < 3; k++)
+        store(dst + i + 32 * k, out[k]);
+}
+
+static inline __m256i widen_half(bytes32 v, bool upper) {
+    return _mm256_cvtepu8_epi16(upper ? _mm256_extracti128_si256(v, 1) : _mm256_castsi256_si128(v));
+}
+
+// 32 values from byte i on under any mask.
+template <class Phase>
+static inline bytes32 merge_both(bytes32 mask, const merge_rows* rows, size_t i) {
+    const bytes32 src = load(rows->src + i), under = load(rows->under + i);
+    const bytes32 coarse_src = Phase::at(&rows->coarse_src, i);
+    const bytes32 coarse_under = Phase::at(&rows->coarse_under, i);
+    const bytes32 result = Phase::at(&rows->coarse_result, i);
+    __m256i values[2];
+#pragma GCC unroll 2
+    for (int k = 0; k < 2; k++) {
+        const __m256i a = _mm256_sub_epi16(widen_half(src, k), widen_half(coarse_src, k));
+        const __m256i b = _mm256_sub_epi16(widen_half(under, k), widen_half(coarse_under, k));
+        values[k] =
+            _mm256_add_epi16(blend_values(widen_half(mask, k), a, b), widen_half(result, k));
+    }
+    return pack_in_order(values[0], values[1]);
+}
+
+// 32 pixels of any mask: each mask byte weighs three values.
+template <class Phase>
+static inline void merge_both_run(const merge_rows* rows, size_t p, uint8_t* dst) {
+    const __m128i first = load16(rows->mask + p), second = load16(rows->mask + p + 16);
+    const bytes32 masks[3] = {join(triple_bytes(first, 0), triple_bytes(first, 1)),
+                              join(triple_bytes(first, 2), triple_bytes(second, 0)),
+                              join(triple_bytes(second, 1), triple_bytes(second, 2))};
+    for (size_t k = 0; k < 3; k++)
+        store(dst + 3 * p + 32 * k, merge_both<Phase>(masks[k], rows, 3 * p + 32 * k));
+}
+
+template <class Phase>
+static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    const merge_rows r = *rows;
+    // The step stands in the code once: it is long.
+    const size_t last = pixels - 32;
+    for (size_t p = 0;;) {
+        const bytes32 mask = load(r.mask + p);
+        if (_mm256_testz_si256(mask, mask)) {
+            merge_one_run<Phase>(r.under, &r.coarse_under, &r.coarse_result, 3 * p, dst);
+        } else if (_mm256_testc_si256(mask, _mm256_set1_epi8(-1))) {
+            merge_one_run<Phase>(r.src, &r.coarse_src, &r.coarse_result, 3 * p, dst);
+        } else {
+            merge_both_run<Phase>(&r, p, dst);
+        }
+        if (p == last) return;
+        p = p + 32 < last ? p + 32 : last;
+    }
+}
+
+void avx2_merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    if (pixels < 32) return plain_rows.merge_even(rows, dst, pixels);
+    merge<even_rows>(rows, dst, pixels);
+}
+
+void avx2_merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
+    if (pixels < 32) return plain_rows.merge_odd(rows, dst, pixels);
+    merge<odd_rows>(rows, dst, pixels);
+}
+
+void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
+    if (count < 32) return plain_rows.narrow(src, dst, count);
+    const __m256i low_byte = _mm256_set1_epi16(255);
+    for_each_vector(count, 32, [=](size_t i) {
+        store(dst + i, pack_in_order(_mm256_and_si256(load_values(src + i), low_byte),
+                                     _mm256_and_si256(load_values(src + i + 16), low_byte)));
+    });
+}
+
+#endif
