@@ -125,7 +125,7 @@ TEST(SmallCalls, RunBesideABlend) {
     }
     // the second is large enough for threads
     const scene blends[] = {support::placed(solid_scene(96, 90, {30, 28, 25, 33}, 9), 1, 25),
-                            support::placed(solid_scene(660, 640, {8, 9, 645, 623}, 10), 1, 1)};
+                            support::placed(solid_scene(840, 820, {8, 9, 825, 803}, 10), 1, 1)};
     for (const scene& s : blends) {
         const model::bytes expected =
             model::image_blending(s.icon, s.destination, s.mask, s.place).pixels;
