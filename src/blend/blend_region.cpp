@@ -157,9 +157,10 @@ static int32_t blend_streamed(const blend_source* src, const picture* dst, const
     }
     picture result = *dst;
     result.pixels = copy->to->data;
+    const int32_t pieces = copy_pieces(copy);
     // Copying takes a fifth of the time of blending.
-    const int64_t copied = (int64_t)copy->from->width * copy->from->height / 5;
-    side_work beside = {copy_piece, copy, copy_pieces(copy), 0, copied};
+    const int64_t cost = (int64_t)pieces * COPY_ROWS * copy->from->width / 5;
+    side_work beside = {copy_piece, copy, pieces, 0, cost};
     const pyramid_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
     return blend_pictures(&src->rectangle, dst, mask, &result, ws, &extras);
 }

@@ -18,7 +18,7 @@
 // is collapsed again. With ws->levels 0 the planes lap_src[0] and lap_dst[0], which the caller has
 // filled, are blended and nothing else is done.
 //
-// The way down reduces both pictures and the mask level by level. The way up makes, strip by strip,
+// The way down reduces both pictures and the mask level by level. The way up makes, row by row,
 // both Laplacian levels, their blend and its sum with the coarser result. Every stage cuts a level
 // into four bands of rows, which run on a pool of four threads that exists during the call, or in
 // the caller where the picture is small or no thread can be started, with the same result.
@@ -42,8 +42,8 @@ typedef struct pyramid_extras {
 int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
                        const picture* result, blend_workspace* ws, const pyramid_extras* extras);
 
-// For tests: uses threads from this many pixels up; a negative number restores the library's own
-// choice. Not while a blend is running.
+// For tests: uses threads from work of this many pixels up; a negative number restores the
+// library's own choice. Not while a blend is running.
 void use_pool_from(int64_t pixels);
 
 #endif
