@@ -21,8 +21,8 @@ static void run_stage(pyramid_run* run, void* (*routine)(void*)) {
     for (int32_t k = 0; k < BAND_COUNT; k++) {
         pool_add_task(run->pool, routine, &run->band_bundles[k]);
     }
-    pool_help(run->pool);
     share_work(run->beside);
+    pool_help(run->pool);
     pool_wait_done(run->pool, BAND_COUNT);
 }
 
