@@ -160,9 +160,9 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  * rotated object can reach; working rows, 280 of the rectangle's width with threads and 70 without.
  * Where the output shares memory with the icon or, other than pixel for pixel, with the
  * destination, 9 bytes for every pixel of the rectangle come on top. A rectangle whose shorter side
- * is below 16 takes up to 22 bytes a pixel. A call that fails because the zoomed object is too large
- * does not give back the object's mask, nor the rotated object before the next blend without an
- * angle.
+ * is below 16 takes up to 22 bytes a pixel. A call that fails because the zoomed object is too
+ * large does not give back the object's mask, nor the rotated object before the next blend without
+ * an angle.
  */
 IMAGEBLEND_API int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
                                           const blend_image* mask, blend_image* output,

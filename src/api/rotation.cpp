@@ -36,7 +36,7 @@ static pixel_window rotated_reach(const rotation* turn, const mask_extent* exten
     const int64_t longer = turn->width > turn->height ? turn->width : turn->height;
     // The mapping's single precision errs by a few units in the last place of a coordinate.
     const double slack = 4 + (double)longer / (1 << 18);
-    double low_x = INFINITY, high_x = -INFINITY, low_y = INFINITY, high_y = -INFINITY;
+    double low_x = (double)INFINITY, low_y = low_x, high_x = -low_x, high_y = -low_x;
     for (int corner = 0; corner < 4; corner++) {
         const double u =
             (double)(corner % 2 != 0 ? extent->xmax + 1 : extent->xmin - 1) - turn->center_x;

@@ -89,7 +89,7 @@ static size_t cut_bytes(const rectangle_resize* r) {
 }
 
 static size_t window_bytes(const rectangle_resize* r) {
-    return cut_bytes(r) + 2 * 3 * (size_t)r->dst_width;
+    return cut_bytes(r) + 6 * (size_t)r->dst_width;
 }
 
 bool open_resize(rectangle_resize* r) {

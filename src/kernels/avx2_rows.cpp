@@ -140,7 +140,7 @@ static inline void expand_five(__m128i a, __m128i b, __m128i c, uint8_t* dst) {
     const __m128i odd = _mm_avg_epu8(b, c);
     const __m128i even = _mm256_castsi256_si128(even_phase(
         _mm256_castsi128_si256(a), _mm256_castsi128_si256(b), _mm256_castsi128_si256(c)));
-    for (int k = 0; k < 2; k++) {
+    for (size_t k = 0; k < 2; k++) {
         store16(dst + 14 * k, _mm_or_si128(_mm_shuffle_epi8(even, load16(turn_even[k])),
                                            _mm_shuffle_epi8(odd, load16(turn_odd[k]))));
     }
