@@ -95,11 +95,11 @@ void draw_anchor(const Frame& mask, const FramedObject& object, const Pixel& anc
 }
 
 // Gives transparent pixels of a row the colour of the nearest other pixel; false if there is none.
-bool fill_row(uint8_t* row, int width) {
-    int last = -1;  // the last pixel that is not transparent
-    for (int x = 0; x <= width; x++) {
+bool fill_row(uint8_t* row, ptrdiff_t width) {
+    ptrdiff_t last = -1;  // the last pixel that is not transparent
+    for (ptrdiff_t x = 0; x <= width; x++) {
         if (x < width && row[x * 4] == 0) continue;
-        for (int gap = last + 1; gap < x; gap++) {
+        for (ptrdiff_t gap = last + 1; gap < x; gap++) {
             const bool from_left = last >= 0 && (x == width || gap - last <= x - gap);
             if (!from_left && x == width) return false;
             std::memcpy(row + gap * 4 + 1, row + (from_left ? last : x) * 4 + 1, 3);

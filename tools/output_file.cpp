@@ -50,7 +50,7 @@ class SignalsHeld {
 };
 
 std::string take_text(char* text_of_glib) {
-    const std::string result = text_of_glib ? text_of_glib : "";
+    std::string result = text_of_glib ? text_of_glib : "";
     g_free(text_of_glib);
     return result;
 }

@@ -16,7 +16,7 @@ using vips::VImage;
 // A path may carry libvips options in brackets, such as "scan.tif[page=2]".
 std::string without_options(const std::string& path) {
     char* plain = vips_filename_get_filename(path.c_str());
-    const std::string result = plain;
+    std::string result = plain;
     g_free(plain);
     return result;
 }
