@@ -92,10 +92,11 @@ int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* ma
     run.dst[0] = *dst;
     run.result[0] = *result;
     place_levels(&run, mask);
-    if (work_pixels(ws, extras) >= min_pool_pixels()) {
+    const int64_t pool_pixels = min_pool_pixels();
+    if (work_pixels(ws, extras) >= pool_pixels) {
         thread_pool* pool = NULL;
         if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
-        run.min_stage_pixels = min_pool_pixels() / 4;  // handing a stage over costs 20 to 60 us
+        run.min_stage_pixels = pool_pixels / 4;  // handing a stage over costs 20 to 60 us
     }
     const bool done = alloc_band_scratch(&run) && run_stages(&run, extras);
     if (run.pool != NULL) pool_destroy(run.pool);

@@ -152,9 +152,7 @@ static inline void merge_both_run(const merge_rows* rows, size_t p, uint8_t* dst
 template <class Phase>
 static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     const merge_rows r = *rows;
-    // The step stands in the code once: it is long.
-    const size_t last = pixels - 32;
-    for (size_t p = 0;;) {
+    for_each_block(pixels, 32, [&r, dst](size_t p) {
         const bytes32 mask = load(r.mask + p);
         if (_mm256_testz_si256(mask, mask)) {
             merge_one_run<Phase>(r.under, &r.coarse_under, &r.coarse_result, 3 * p, dst);
@@ -163,9 +161,7 @@ static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t
         } else {
             merge_both_run<Phase>(&r, p, dst);
         }
-        if (p == last) return;
-        p = p + 32 < last ? p + 32 : last;
-    }
+    });
 }
 
 void avx2_merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {

@@ -192,27 +192,7 @@ void avx2_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_
 }
 
 const row_ops* avx2_table(void) {
-    static const row_ops table = {
-        "avx2",
-        1000000,
-        avx2_reduce_row_c3,
-        avx2_reduce_row_c1,
-        avx2_expand_row_c3,
-        avx2_reduce_column,
-        avx2_expand_even,
-        avx2_expand_odd,
-        avx2_subtract,
-        avx2_widen,
-        avx2_blend,
-        avx2_collapse,
-        avx2_merge_even,
-        avx2_merge_odd,
-        avx2_narrow,
-        avx2_mix_rows,
-        avx2_resample_row_c3,
-        avx2_pack_rgb,
-        avx2_unpack_rgb,
-    };
+    static constexpr row_ops table = avx2_operations();
     return &table;
 }
 

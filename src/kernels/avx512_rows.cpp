@@ -102,28 +102,16 @@ static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
     avx2_expand_ends_c3(src, src_width, dst, dst_width);
 }
 
+static constexpr row_ops wide_operations(void) {
+    row_ops table = avx2_operations();
+    table.name = "avx512";
+    table.reduce_row_c3 = reduce_row_c3;
+    table.expand_row_c3 = expand_row_c3;
+    return table;
+}
+
 const row_ops* avx512_table(void) {
-    static const row_ops table = {
-        "avx512",
-        1000000,
-        reduce_row_c3,
-        avx2_reduce_row_c1,
-        expand_row_c3,
-        avx2_reduce_column,
-        avx2_expand_even,
-        avx2_expand_odd,
-        avx2_subtract,
-        avx2_widen,
-        avx2_blend,
-        avx2_collapse,
-        avx2_merge_even,
-        avx2_merge_odd,
-        avx2_narrow,
-        avx2_mix_rows,
-        avx2_resample_row_c3,
-        avx2_pack_rgb,
-        avx2_unpack_rgb,
-    };
+    static constexpr row_ops table = wide_operations();
     return &table;
 }
 

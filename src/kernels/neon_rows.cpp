@@ -320,16 +320,12 @@ static inline uint8x16x3_t merge_pixels(const merge_rows* rows, size_t p) {
 template <class Phase>
 static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     const merge_rows r = *rows;
-    // The step stands in the code once: it is long.
-    const size_t last = pixels - 16;
-    for (size_t p = 0;;) {
+    for_each_block(pixels, 16, [&r, dst](size_t p) {
         const uint8x16x3_t run = merge_pixels<Phase>(&r, p);
         vst1q_u8(dst + 3 * p, run.val[0]);
         vst1q_u8(dst + 3 * p + 16, run.val[1]);
         vst1q_u8(dst + 3 * p + 32, run.val[2]);
-        if (p == last) return;
-        p = p + 16 < last ? p + 16 : last;
-    }
+    });
 }
 
 static void merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {

@@ -26,6 +26,17 @@ static inline void for_each_vector(size_t count, size_t size, Step step) {
     if (i < count) step(count - size);
 }
 
+// The same for a long step, which stands in the code once.
+template <class Step>
+static inline void for_each_block(size_t count, size_t size, Step step) {
+    const size_t last = count - size;
+    for (size_t i = 0;;) {
+        step(i);
+        if (i == last) return;
+        i = i + size < last ? i + size : last;
+    }
+}
+
 // What a reduction leaves to the edges: the first output and those from `begin` on, begin >= 1 and
 // dst_width >= 2. One function each, as calls are few.
 void reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
