@@ -4,14 +4,14 @@
 #include "kernels/row_ops.h"
 #include "memory.h"
 
-// Work of less than 2 ms is done sooner by the caller alone: starting and joining four threads
-// takes 0.1 to 0.3 ms, and at most half of the work is saved where there are two cores.
 static int64_t pool_pixels_of_tests = -1;
 
 void use_pool_from(int64_t pixels) {
     pool_pixels_of_tests = pixels;
 }
 
+// Work of less than 2 ms is done sooner by the caller alone: starting and joining four threads
+// takes 0.1 to 0.3 ms, and at most half of the work is saved where there are two cores.
 static int64_t min_pool_pixels(void) {
     if (pool_pixels_of_tests >= 0) return pool_pixels_of_tests;
     return active_rows()->pixels_a_ms * 2;
