@@ -6,10 +6,10 @@
 #include <string>
 #include <vips/vips8>
 
-#include "commands.h"
-#include "errors.h"
-#include "guard.h"
-#include "output_file.h"
+#include "commands/commands.h"
+#include "commands/guard.h"
+#include "pictures/errors.h"
+#include "pictures/output_file.h"
 
 namespace {
 

@@ -1,0 +1,42 @@
+// The sub-commands. Each returns the exit status of a command that ran to its end.
+#ifndef IMAGEBLEND_TOOLS_COMMANDS_COMMANDS_H
+#define IMAGEBLEND_TOOLS_COMMANDS_COMMANDS_H
+
+#include <string>
+
+#include "pictures/errors.h"
+#include "pictures/object.h"
+#include "pictures/placement.h"
+
+namespace tool {
+
+struct BlendJob {
+    ObjectArguments object;
+    std::string destination;
+    std::string output;
+    PlacementArguments placement;
+};
+Exit run_blend(const BlendJob& job);
+
+// Draws the stages of a blend as one picture. With a folder, their planes are written there too.
+Exit run_explain(const BlendJob& job, const std::string& dump_folder);
+
+struct BatchArguments {
+    std::string jobs_file;  // "-": standard input
+    int processes = 1;
+    bool overwrite = false;
+};
+// Blends job after job in processes of its own. libvips must not have been started.
+Exit run_batch(const BatchArguments& arguments);
+
+// Prints the verdict; the output is not used.
+Exit run_verify(const BlendJob& job);
+
+// Prints "WIDTH HEIGHT". A source that has no alpha channel is a mask itself.
+Exit run_size(const ObjectArguments& arguments);
+
+Exit run_cutout(const ObjectArguments& arguments, const std::string& output);
+
+}  // namespace tool
+
+#endif

@@ -1,0 +1,50 @@
+#include "commands/guard.h"
+
+#include <cstdio>
+#include <new>
+#include <vips/vips8>
+
+#include "pictures/picture.h"
+
+namespace tool {
+namespace {
+
+void ignore_message(const char*, GLogLevelFlags, const char*, void*) {}
+
+}  // namespace
+
+Exit complain(Exit status, const std::string& message) {
+    std::fprintf(stderr, "imageblend: %s\n", message.c_str());
+    return status;
+}
+
+Exit run_guarded(const std::function<Exit()>& command) {
+    try {
+        const Exit status = command();
+        if (std::fflush(stdout) == 0) return status;
+        return complain(Exit::no_output, "standard output: cannot be written");
+    } catch (const Error& error) {
+        return complain(error.status(), error.what());
+    } catch (const vips::VError& error) {
+        return complain(Exit::internal, vips_message(error));
+    } catch (const std::bad_alloc&) {
+        return complain(Exit::internal, "not enough memory");
+    } catch (const std::exception& error) {
+        return complain(Exit::internal, error.what());
+    }
+}
+
+bool start_vips() {
+    if (VIPS_INIT("imageblend") != 0) {
+        complain(Exit::internal, "libvips cannot be started");
+        return false;
+    }
+    g_log_set_handler("VIPS",
+                      static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE |
+                                                  G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG),
+                      ignore_message, nullptr);
+    vips_cache_set_max(0);  // a file that changes is read anew, and pictures are freed early
+    return true;
+}
+
+}  // namespace tool
