@@ -2,7 +2,6 @@
 #include <string.h>
 
 #include "api/mask_box.h"
-#include "blend/depth.h"
 #include "blend/rectangle.h"
 #include "imageblend.h"
 #include "log.h"
@@ -23,11 +22,12 @@ static void fill_icon(uint8_t* icon, size_t pixels, const uint8_t* crop, size_t 
 }
 
 static int32_t cut_icon(const blend_image* source, const blend_image* mask, blend_image* icon,
-                        float zoom, uint8_t* crop, size_t crop_bytes) {
-    const pixel_layout layout_mask = {0, 1}, layout_frame = {0, 4}, layout_packed = {0, 3};
-    int32_t cw, ch, x0, y0, level_zoom, level_box;
-    crop_mask(mask->data, mask->width, mask->height, crop, &cw, &ch, NULL, NULL, &x0, &y0,
-              &level_zoom, BASE_LEVEL, true, &layout_mask, false, &level_box, zoom, crop_bytes);
+                        uint8_t* crop, size_t crop_bytes) {
+    static const pixel_layout layout_mask = {0, 1}, layout_frame = {0, 4}, layout_packed = {0, 3};
+    const mask_view view = view_of_mask(mask->data, mask->width, mask->height, &layout_mask);
+    mask_box box;
+    crop_mask(&view, false, crop, crop_bytes, &box);
+    const int32_t cw = box.crop_mask_width, ch = box.crop_mask_height;
     LOG_LINE(LOG_INFO, "create_rgb_icon crop mask width:%d , height:%d\n", cw, ch);
     uint8_t* src_patchimage = (uint8_t*)alloc_plane(cw, ch, 3);
     if (src_patchimage == NULL) {
@@ -37,8 +37,8 @@ static int32_t cut_icon(const blend_image* source, const blend_image* mask, blen
     LOG_LINE(LOG_DEBUG, "src_imageptr:%p , src_patchimage:%p\n", (void*)source->data,
              (void*)src_patchimage);
     if (cw >= 1 && ch >= 1) {
-        crop_to_rgb(source->data, source->width, src_patchimage, x0, y0, cw, ch, &layout_frame,
-                    &layout_packed, mask->height);
+        crop_to_rgb(source->data, source->width, src_patchimage, box.x0, box.y0, cw, ch,
+                    &layout_frame, &layout_packed, mask->height);
         fill_icon(icon->data, (size_t)cw * (size_t)ch, crop, crop_bytes, src_patchimage);
     }
     icon->width = cw;
@@ -49,6 +49,7 @@ static int32_t cut_icon(const blend_image* source, const blend_image* mask, blen
 
 int32_t vorn_create_rgb_icon(const blend_image* source, const blend_image* mask, blend_image* icon,
                              float zoom) {
+    (void)zoom;
     if (source == NULL || source->data == NULL || mask == NULL || mask->data == NULL ||
         icon == NULL || icon->data == NULL) {
         return -1;
@@ -62,7 +63,7 @@ int32_t vorn_create_rgb_icon(const blend_image* source, const blend_image* mask,
         LOG_LINE(LOG_DEBUG, "crop_mask_image memory alloc failed return\n");
         return -1;
     }
-    const int32_t status = cut_icon(source, mask, icon, zoom, crop_mask_image, crop_bytes);
+    const int32_t status = cut_icon(source, mask, icon, crop_mask_image, crop_bytes);
     free(crop_mask_image);
     return status;
 }

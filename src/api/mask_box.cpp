@@ -3,94 +3,74 @@
 #include "blend/depth.h"
 #include "log.h"
 
-box_margins margins_in_frame(const mask_extent* extent, int32_t width, int32_t height,
-                             int32_t margin) {
-    box_margins m;
-    m.left = min_i64(extent->xmin, margin);
-    m.top = min_i64(extent->ymin, margin);
-    m.right = (int64_t)width - margin > extent->xmax ? margin : width - 1 - extent->xmax;
-    m.bottom = (int64_t)height - margin > extent->ymax ? margin : height - 1 - extent->ymax;
-    return m;
+// The margins around an extent, at most `margin` pixels each.
+static void widen_box(mask_box* box, const mask_view* mask) {
+    const mask_extent* e = &box->extent;
+    const int64_t m = box->margin, width = mask->frame_width, height = mask->frame_height;
+    const int64_t left = min_i64(e->xmin, m), top = min_i64(e->ymin, m);
+    const int64_t right = width - m > e->xmax ? m : width - 1 - e->xmax;
+    const int64_t bottom = height - m > e->ymax ? m : height - 1 - e->ymax;
+    box->x0 = saturate_i32(e->xmin - left);
+    box->y0 = saturate_i32(e->ymin - top);
+    box->crop_mask_width = saturate_i32(box->bare_width + left + right);
+    box->crop_mask_height = saturate_i32(box->bare_height + top + bottom);
+    box->seams = (e->xmin < m ? SIDE_LEFT : 0) | (e->xmax >= width - m ? SIDE_RIGHT : 0) |
+                 (e->ymin < m ? SIDE_TOP : 0) | (e->ymax >= height - m ? SIDE_BOTTOM : 0);
 }
 
-// One line for each side on which the frame cut the margin short; returns whether there is one.
-static bool log_seams(const mask_extent* extent, int32_t width, int32_t height, int32_t margin) {
-    const bool left = extent->xmin < margin;
-    const bool right = extent->xmax >= (int64_t)width - margin;
-    const bool top = extent->ymin < margin;
-    const bool bottom = extent->ymax >= (int64_t)height - margin;
-    if (left) LOG_LINE(LOG_INFO, "orign pic xl seam\n");
-    if (right) LOG_LINE(LOG_INFO, "orign pic xr seam\n");
-    if (top) LOG_LINE(LOG_INFO, "orign pic yu seam\n");
-    if (bottom) LOG_LINE(LOG_INFO, "orign pic yd seam\n");
-    return left || right || top || bottom;
+mask_box box_around(const mask_extent* extent, const mask_view* mask, bool clamp, bool margins) {
+    mask_box box = mask_box();
+    box.extent = *extent;
+    const int64_t width = box.extent.xmax - box.extent.xmin + 1;
+    const int64_t height = box.extent.ymax - box.extent.ymin + 1;
+    box.bare_width = box.crop_mask_width = saturate_i32(width);
+    box.bare_height = box.crop_mask_height = saturate_i32(height);
+    box.x0 = saturate_i32(box.extent.xmin);
+    box.y0 = saturate_i32(box.extent.ymin);
+    const int32_t shorter = box.bare_width < box.bare_height ? box.bare_width : box.bare_height;
+    box.level = depth_of_side(float_to_i32((float)shorter), BASE_LEVEL, clamp);
+    box.margin = margin_of_level(box.level);
+    box.fits = !margins || (width <= mask->frame_width && height <= mask->frame_height);
+    if (margins && box.fits) widen_box(&box, mask);
+    return box;
 }
 
-int32_t find_view_box(const mask_view* mask, int32_t width, int32_t height, int32_t* x0,
-                      int32_t* y0, int32_t* crop_mask_width, int32_t* crop_mask_height,
-                      int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
-                      bool margins, int32_t* level) {
-    const mask_extent extent = scan_mask(mask, width, height);
-    const int64_t box_width = extent_width(&extent), box_height = extent_height(&extent);
-    *x0 = saturate_i32(extent.xmin);
-    *y0 = saturate_i32(extent.ymin);
-    *crop_mask_width = saturate_i32(box_width);
-    *crop_mask_height = saturate_i32(box_height);
-    if (bare_width != NULL) *bare_width = *crop_mask_width;
-    if (bare_height != NULL) *bare_height = *crop_mask_height;
-    const int32_t shorter =
-        *crop_mask_width < *crop_mask_height ? *crop_mask_width : *crop_mask_height;
-    *level = depth_of_side(float_to_i32((float)shorter), base, clamp);
-    if (!margins) return 0;
-    if (box_width > width || box_height > height) {
+int32_t log_mask_box(const mask_box* box) {
+    if (!box->fits) {
         LOG_LINE(LOG_ERROR, "fital error!\n");
         return -1;
     }
-    const int32_t margin = margin_of_level(*level);
-    const box_margins m = margins_in_frame(&extent, width, height, margin);
-    *x0 = saturate_i32(extent.xmin - m.left);
-    *y0 = saturate_i32(extent.ymin - m.top);
-    *crop_mask_width = saturate_i32(box_width + m.left + m.right);
-    *crop_mask_height = saturate_i32(box_height + m.top + m.bottom);
-    return log_seams(&extent, width, height, margin) ? 2 : 0;
+    if (box->seams & SIDE_LEFT) LOG_LINE(LOG_INFO, "orign pic xl seam\n");
+    if (box->seams & SIDE_RIGHT) LOG_LINE(LOG_INFO, "orign pic xr seam\n");
+    if (box->seams & SIDE_TOP) LOG_LINE(LOG_INFO, "orign pic yu seam\n");
+    if (box->seams & SIDE_BOTTOM) LOG_LINE(LOG_INFO, "orign pic yd seam\n");
+    return box->seams != 0 ? 2 : 0;
 }
 
-int32_t find_mask_box(const uint8_t* samples, int32_t width, int32_t height, int32_t* x0,
-                      int32_t* y0, int32_t* crop_mask_width, int32_t* crop_mask_height,
-                      int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
-                      const pixel_layout* layout, bool margins, int32_t* level) {
-    const mask_view view = view_of_mask(samples, width, height, layout);
-    return find_view_box(&view, width, height, x0, y0, crop_mask_width, crop_mask_height,
-                         bare_width, bare_height, base, clamp, margins, level);
+int32_t find_mask_box(const mask_view* mask, bool clamp, bool margins, mask_box* box) {
+    const mask_extent extent = scan_mask(mask);
+    *box = box_around(&extent, mask, clamp, margins);
+    return log_mask_box(box);
 }
 
-void crop_mask(const uint8_t* samples, int32_t width, int32_t height, uint8_t* crop,
-               int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
-               int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t* level_zoom, int32_t base,
-               bool clamp, const pixel_layout* layout, bool margins, int32_t* level_box, float zoom,
-               size_t crop_bytes) {
-    const mask_view view = view_of_mask(samples, width, height, layout);
-    find_mask_box(samples, width, height, x0, y0, crop_mask_width, crop_mask_height, bare_width,
-                  bare_height, base, clamp, layout, margins, level_box);
-    LOG_LINE(LOG_ERROR, "LLL crop_mask_width:%d,crop_mask_height:%d\n", *crop_mask_width,
-             *crop_mask_height);
-    *level_zoom =
-        (int32_t)margin_level(*crop_mask_width, *crop_mask_height, (uint32_t)base, clamp, zoom);
-    copy_mask_box(&view, *x0, *y0, *crop_mask_width, *crop_mask_height, crop, crop_bytes);
+void log_crop_size(const mask_box* box) {
+    LOG_LINE(LOG_ERROR, "LLL crop_mask_width:%d,crop_mask_height:%d\n", box->crop_mask_width,
+             box->crop_mask_height);
 }
 
-void crop_rotated_mask(const mask_view* mask, int32_t width, int32_t height,
-                       int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
-                       int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t center_x,
-                       int32_t center_y, int32_t* level_zoom, int32_t base, bool clamp,
-                       bool margins, int32_t* level_box, float zoom) {
-    const int32_t unrotated_x0 = *x0, unrotated_y0 = *y0;
-    find_view_box(mask, width, height, x0, y0, crop_mask_width, crop_mask_height, bare_width,
-                  bare_height, base, clamp, margins, level_box);
-    *level_zoom =
-        (int32_t)margin_level(*crop_mask_width, *crop_mask_height, (uint32_t)base, clamp, zoom);
-    if (*x0 != unrotated_x0 || *y0 != unrotated_y0) {
-        *x0 = saturate_i32((int64_t)center_x - *crop_mask_width / 2);
-        *y0 = saturate_i32((int64_t)center_y - *crop_mask_height / 2);
-    }
+void crop_mask(const mask_view* mask, bool margins, uint8_t* crop, size_t crop_bytes,
+               mask_box* box) {
+    find_mask_box(mask, true, margins, box);
+    log_crop_size(box);
+    const pixel_box part = {box->x0, box->y0, box->crop_mask_width, box->crop_mask_height};
+    copy_mask_box(mask, &part, crop, crop_bytes);
+}
+
+void crop_rotated_mask(const mask_view* mask, const mask_box* upright, int32_t center_x,
+                       int32_t center_y, mask_box* box) {
+    const mask_extent extent = scan_mask(mask);
+    *box = box_around(&extent, mask, true, true);
+    if (box->x0 == upright->x0 && box->y0 == upright->y0) return;
+    box->x0 = saturate_i32((int64_t)center_x - box->crop_mask_width / 2);
+    box->y0 = saturate_i32((int64_t)center_y - box->crop_mask_height / 2);
 }

@@ -3,61 +3,46 @@
 #define IMAGEBLEND_API_MASK_BOX_H
 
 #include "api/mask_view.h"
-#include "numeric.h"
 
-static inline int64_t extent_width(const mask_extent* e) {
-    return e->xmax - e->xmin + 1;
-}
-static inline int64_t extent_height(const mask_extent* e) {
-    return e->ymax - e->ymin + 1;
-}
+// Sides of a frame or of a box, as bits.
+enum { SIDE_LEFT = 1, SIDE_RIGHT = 2, SIDE_TOP = 4, SIDE_BOTTOM = 8 };
 
-// Margins of at most `margin` pixels around an extent, as far as the frame allows.
-typedef struct box_margins {
-    int64_t left, top, right, bottom;
-} box_margins;
+// The box of a mask's non-zero samples, widened on each side by a margin of 4 * 2^level pixels as
+// far as the frame allows.
+typedef struct mask_box {
+    mask_extent extent;               // of the samples
+    int32_t bare_width, bare_height;  // of that extent
+    int32_t level;                    // depth of a pyramid of the bare size; negative below 16
+    int32_t margin;                   // wanted on each side
+    bool fits;                        // false without margins: larger than the frame, as only that
+                                      // of a frame without pixels is
+    int32_t x0, y0;                   // corner, with margins
+    int32_t crop_mask_width, crop_mask_height;  // size, with margins
+    int32_t seams;                              // sides at which the frame cut the margin short
+} mask_box;
 
-// Where along one axis the bare box, scaled by `zoom`, starts when it is centred on `center`.
-// Single precision, size times zoom first.
-static inline int32_t zoomed_corner(int32_t center, int32_t bare_size, float zoom) {
-    return float_to_i32((float)center - (float)bare_size * zoom * 0.5f);
-}
+// The box around an extent of a mask. `clamp` caps the level at 4; without `margins` the box is
+// left bare.
+mask_box box_around(const mask_extent* extent, const mask_view* mask, bool clamp, bool margins);
 
-box_margins margins_in_frame(const mask_extent* extent, int32_t width, int32_t height,
-                             int32_t margin);
+// One error line for a box that does not fit its frame, or one line for each seam. Returns -1, 2
+// when there is a seam, or 0.
+int32_t log_mask_box(const mask_box* box);
 
-// Finds the box of the non-zero samples of a `width` x `height` mask, its level, and with `margins`
-// widens it by 4 * 2^level pixels on each side as far as the frame allows. `clamp` caps the level
-// at 4. The bare size, before margins, is written unless its pointers are null.
-// Returns 0, 2 when a margin was cut short (one line in the log for each such side), or -1 when the
-// bare box is larger than the frame, which only a frame with a side below 1 has.
-int32_t find_mask_box(const uint8_t* samples, int32_t width, int32_t height, int32_t* x0,
-                      int32_t* y0, int32_t* crop_mask_width, int32_t* crop_mask_height,
-                      int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
-                      const pixel_layout* layout, bool margins, int32_t* level);
+// Scans the mask for its box and logs what is short.
+int32_t find_mask_box(const mask_view* mask, bool clamp, bool margins, mask_box* box);
 
-// The same for samples that are seen through a window of the frame.
-int32_t find_view_box(const mask_view* mask, int32_t width, int32_t height, int32_t* x0,
-                      int32_t* y0, int32_t* crop_mask_width, int32_t* crop_mask_height,
-                      int32_t* bare_width, int32_t* bare_height, int32_t base, bool clamp,
-                      bool margins, int32_t* level);
+// The size of a box, as the callers of the library see it in their log.
+void log_crop_size(const mask_box* box);
 
-// Finds the box as find_mask_box does, logs its size, computes the level of the zoomed box and
-// copies the box into `crop`, packed rows of `crop_mask_width` bytes. Samples outside the frame
-// read as 0. What does not fit into `crop_bytes` is left out; with 0 bytes the box is only measured
-// and `crop` may be null.
-void crop_mask(const uint8_t* samples, int32_t width, int32_t height, uint8_t* crop,
-               int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
-               int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t* level_zoom, int32_t base,
-               bool clamp, const pixel_layout* layout, bool margins, int32_t* level_box, float zoom,
-               size_t crop_bytes);
+// Finds the box, logs its size and copies it into `crop`, packed rows of `crop_mask_width` bytes.
+// Samples outside the frame read as 0; what does not fit into `crop_bytes` is left out.
+void crop_mask(const mask_view* mask, bool margins, uint8_t* crop, size_t crop_bytes,
+               mask_box* box);
 
-// Measures the box of a rotated mask, without the log line: when the corner differs from the one
-// passed in x0 and y0, the box is centred on (center_x, center_y) instead.
-void crop_rotated_mask(const mask_view* mask, int32_t width, int32_t height,
-                       int32_t* crop_mask_width, int32_t* crop_mask_height, int32_t* bare_width,
-                       int32_t* bare_height, int32_t* x0, int32_t* y0, int32_t center_x,
-                       int32_t center_y, int32_t* level_zoom, int32_t base, bool clamp,
-                       bool margins, int32_t* level_box, float zoom);
+// Finds the box of a mask that was turned about (center_x, center_y), its level capped, without the
+// log. Unless its corner is that of the box before, it is moved so that it is centred there.
+void crop_rotated_mask(const mask_view* mask, const mask_box* upright, int32_t center_x,
+                       int32_t center_y, mask_box* box);
 
 #endif

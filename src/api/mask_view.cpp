@@ -6,7 +6,8 @@
 
 mask_view view_of_mask(const uint8_t* samples, int32_t width, int32_t height,
                        const pixel_layout* layout) {
-    const mask_view view = {samples + layout->offset, {0, 0, width, height}, width, layout->step};
+    const mask_view view = {
+        samples + layout->offset, {0, 0, width, height}, width, layout->step, width, height};
     return view;
 }
 
@@ -61,8 +62,8 @@ static const uint8_t* window_row(const mask_view* mask, int64_t row) {
 
 // Rows without a sample are passed over whole, from both ends; of the rows between, only what lies
 // outside the columns found so far is looked at.
-mask_extent scan_mask(const mask_view* mask, int32_t width, int32_t height) {
-    mask_extent extent = {(int64_t)width - 1, (int64_t)height - 1, 0, 0};
+mask_extent scan_mask(const mask_view* mask) {
+    mask_extent extent = {(int64_t)mask->frame_width - 1, (int64_t)mask->frame_height - 1, 0, 0};
     const pixel_window* w = &mask->window;
     const int64_t columns = (int64_t)w->x_end - w->x_begin, rows = (int64_t)w->y_end - w->y_begin;
     if (columns < 1 || rows < 1) return extent;
@@ -89,22 +90,21 @@ mask_extent scan_mask(const mask_view* mask, int32_t width, int32_t height) {
     return extent;
 }
 
-void copy_mask_box(const mask_view* mask, int32_t x0, int32_t y0, int32_t box_width,
-                   int32_t box_height, uint8_t* crop, size_t crop_bytes) {
-    if (box_width < 1 || box_height < 1) return;
+void copy_mask_box(const mask_view* mask, const pixel_box* box, uint8_t* crop, size_t crop_bytes) {
+    if (box->width < 1 || box->height < 1) return;
     const pixel_window* w = &mask->window;
-    const int64_t begin = clamp_i64((int64_t)w->x_begin - x0, 0, box_width);
-    const int64_t end = clamp_i64((int64_t)w->x_end - x0, begin, box_width);
-    const size_t row_bytes = (size_t)box_width;
-    for (size_t r = 0; r < (size_t)box_height && (r + 1) * row_bytes <= crop_bytes; r++) {
+    const int64_t begin = clamp_i64((int64_t)w->x_begin - box->x, 0, box->width);
+    const int64_t end = clamp_i64((int64_t)w->x_end - box->x, begin, box->width);
+    const size_t row_bytes = (size_t)box->width;
+    for (size_t r = 0; r < (size_t)box->height && (r + 1) * row_bytes <= crop_bytes; r++) {
         uint8_t* out = crop + r * row_bytes;
-        const int64_t y = (int64_t)y0 + (int64_t)r;
+        const int64_t y = (int64_t)box->y + (int64_t)r;
         if (y < w->y_begin || y >= w->y_end || begin == end) {
             memset(out, 0, row_bytes);
             continue;
         }
         const uint8_t* in =
-            window_row(mask, y - w->y_begin) + (x0 + begin - w->x_begin) * mask->step;
+            window_row(mask, y - w->y_begin) + (box->x + begin - w->x_begin) * mask->step;
         memset(out, 0, (size_t)begin);
         if (mask->step == 1) {
             memcpy(out + begin, in, (size_t)(end - begin));

@@ -1,4 +1,4 @@
-// A mask as the scans and copies see it: samples inside a window, zero everywhere else.
+// A mask as the scans and copies see it: samples inside a window of a frame, zero everywhere else.
 #ifndef IMAGEBLEND_API_MASK_VIEW_H
 #define IMAGEBLEND_API_MASK_VIEW_H
 
@@ -18,24 +18,28 @@ typedef struct mask_view {
     pixel_window window;
     int64_t row_samples;
     int32_t step;
+    int32_t frame_width, frame_height;
 } mask_view;
 
 // The whole of a packed mask.
 mask_view view_of_mask(const uint8_t* samples, int32_t width, int32_t height,
                        const pixel_layout* layout);
 
-// The extreme columns and rows that hold a non-zero sample, for a frame of `width` x `height`.
-// Without one, xmin = width - 1, ymin = height - 1 and xmax = ymax = 0. 64 bits, because width - 1
-// may not fit into 32.
+// The extreme columns and rows that hold a non-zero sample. Without one, xmin = frame_width - 1,
+// ymin = frame_height - 1 and xmax = ymax = 0. 64 bits, because frame_width - 1 may not fit into
+// 32.
 typedef struct mask_extent {
     int64_t xmin, ymin, xmax, ymax;
 } mask_extent;
 
-mask_extent scan_mask(const mask_view* mask, int32_t width, int32_t height);
+mask_extent scan_mask(const mask_view* mask);
 
-// Copies the box of `box_width` x `box_height` at (x0, y0) into packed rows. Rows that do not fit
-// into `crop_bytes` are left out.
-void copy_mask_box(const mask_view* mask, int32_t x0, int32_t y0, int32_t box_width,
-                   int32_t box_height, uint8_t* crop, size_t crop_bytes);
+// A box of a frame, which it may reach beyond.
+typedef struct pixel_box {
+    int32_t x, y, width, height;
+} pixel_box;
+
+// Copies a box into packed rows. Rows that do not fit into `crop_bytes` are left out.
+void copy_mask_box(const mask_view* mask, const pixel_box* box, uint8_t* crop, size_t crop_bytes);
 
 #endif

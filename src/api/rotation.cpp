@@ -142,25 +142,20 @@ static void rotate_mask_row(const rotation* turn, const uint8_t* mask, const mas
     });
 }
 
-bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
-                       rotated_mask* rotated) {
+uint8_t* make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
+                           mask_view* rotated) {
     const pixel_window reach = rotated_reach(turn, extent);
     const int64_t columns = max_i64((int64_t)reach.x_end - reach.x_begin, 0);
     const int64_t rows = max_i64((int64_t)reach.y_end - reach.y_begin, 0);
     uint8_t* samples = (uint8_t*)alloc_plane(columns, rows, 1);
-    if (samples == NULL) return false;
-    rotated->samples = samples;
-    rotated->view = {samples, reach, columns, 1};
+    if (samples == NULL) return NULL;
+    *rotated = {samples, reach, columns, 1, turn->width, turn->height};
     const column_span span = {reach.x_begin, reach.x_end};
     for (int64_t r = 0; r < rows && columns > 0; r++) {
         rotate_mask_row(turn, mask, extent, span, reach.y_begin + (int32_t)r,
                         samples + r * columns);
     }
-    return true;
-}
-
-void free_rotated_mask(rotated_mask* rotated) {
-    free(rotated->samples);
+    return samples;
 }
 
 void rotate_colours(void* arg, int32_t, int32_t begin, int32_t end) {

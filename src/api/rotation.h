@@ -20,17 +20,11 @@ typedef struct rotation {
 rotation make_rotation(float angle, int32_t center_x, int32_t center_y, int32_t width,
                        int32_t height);
 
-// The rotated mask within the pixels that the object can reach; it is zero everywhere else.
-typedef struct rotated_mask {
-    uint8_t* samples;
-    mask_view view;
-} rotated_mask;
-
-// Rotates a mask whose non-zero samples lie within `extent`. False without memory. The caller frees
-// the result with free_rotated_mask.
-bool make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
-                       rotated_mask* rotated);
-void free_rotated_mask(rotated_mask* rotated);
+// Rotates a mask whose non-zero samples lie within `extent`. The view shows the pixels that the
+// object can reach; everything else is zero. Returns the samples, which the caller frees, or null
+// without memory.
+uint8_t* make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
+                           mask_view* rotated);
 
 // The rotated colours of a window.
 typedef struct colour_rotation {

@@ -1,9 +1,7 @@
 #include "blend/blend_region.h"
 
-#include <stdio.h>
 #include <string.h>
 
-#include "blend/depth.h"
 #include "blend/pyramid_blend.h"
 #include "blend/rectangle.h"
 #include "blend/resize.h"
@@ -11,48 +9,6 @@
 #include "frame.h"
 #include "kernels/row_ops.h"
 #include "memory.h"
-
-static int32_t corner_of(int32_t center, int32_t size) {
-    return saturate_i32(max_i64((int64_t)center - size / 2, 0));
-}
-
-void place_blend_box(const blend_image* dst, int32_t center_x, int32_t center_y, int32_t crop_width,
-                     int32_t crop_height, int32_t trace, float zoom, blend_box* box) {
-    box->zoom_width = float_to_i32((float)crop_width * zoom);
-    box->zoom_height = float_to_i32((float)crop_height * zoom);
-    if (trace) {
-        printf("crop_mask_width = %d, crop_mask_height = %d\n", box->zoom_width, box->zoom_height);
-        printf("center_x = %d, center_y = %d\n", center_x, center_y);
-        printf("diff_x = %d, diff_y = %d\n", box->zoom_width / 2, box->zoom_height / 2);
-    }
-    if (box->zoom_height > dst->height || box->zoom_width > dst->width) {
-        puts("Zoom factor is too big, return to zoom = 1");
-        box->zoom_width = crop_width;
-        box->zoom_height = crop_height;
-    }
-    box->crop_left = corner_of(center_x, crop_width);
-    box->crop_top = corner_of(center_y, crop_height);
-    box->zoom_left = corner_of(center_x, box->zoom_width);
-    box->zoom_top = corner_of(center_y, box->zoom_height);
-}
-
-// Where the blended rectangle starts along one axis of the destination: the margin before the
-// object's corner, at least 1, and moved back so that the rectangle ends before the frame's edge.
-static int32_t place_unzoomed(int32_t corner, int32_t margin_levels, int32_t crop_size,
-                              int32_t frame_size) {
-    const int64_t start = max_i64((int64_t)corner - margin_of_level(margin_levels), 1);
-    if (start + crop_size < frame_size) return saturate_i32(start);
-    return saturate_i32((int64_t)frame_size - 1 - crop_size);
-}
-
-static int32_t place_zoomed(int32_t corner, int32_t margin_levels, int32_t crop_size,
-                            int32_t frame_size, float zoom) {
-    const int32_t margin = float_to_i32((float)margin_of_level(margin_levels) * zoom);
-    const int32_t start = saturate_i32(max_i64((int64_t)corner - margin, 1));
-    const float zoomed_size = (float)crop_size * zoom;
-    const float last = (float)((int64_t)frame_size - 1);
-    return zoomed_size + (float)start > last ? float_to_i32(last - zoomed_size) : start;
-}
 
 // A rectangle of a frame, copied into a patch of its own; null without memory.
 static uint8_t* cut_patch(const picture* frame, int32_t width, int32_t height) {
@@ -118,16 +74,16 @@ typedef struct blend_source {
 } blend_source;
 
 static bool open_source(const blend_image* src, const row_work* fill, const blend_box* box,
-                        int32_t crop_width, int32_t crop_height, float zoom, blend_source* source) {
+                        blend_source* source) {
     *source = blend_source();
     source->prepare[0] = fill;
     source->rectangle =
         frame_picture(src->data, src->width, src->height, box->zoom_left, box->zoom_top);
-    if (zoom == 1.0f) return true;
+    if (box->zoom == 1.0f) return true;
     rectangle_resize* resize = &source->resize;
     resize->from = frame_picture(src->data, src->width, src->height, box->crop_left, box->crop_top);
-    resize->src_width = crop_width;
-    resize->src_height = crop_height;
+    resize->src_width = box->crop_width;
+    resize->src_height = box->crop_height;
     resize->dst_width = box->zoom_width;
     resize->dst_height = box->zoom_height;
     resize->dst = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
@@ -203,40 +159,27 @@ static bool all_in_bands(int32_t height, int32_t levels) {
            ((int64_t)height >> (levels - 1)) >= MIN_BAND_HEIGHT;
 }
 
-// The destination rectangle for an object whose bare corner is to stand at (x, y).
-static picture place_destination(const blend_image* dst, int32_t x, int32_t y, int32_t crop_width,
-                                 int32_t crop_height, int32_t margin_levels, float zoom) {
-    const bool zoomed = zoom != 1.0f;
-    const int32_t left = zoomed ? place_zoomed(x, margin_levels, crop_width, dst->width, zoom)
-                                : place_unzoomed(x, margin_levels, crop_width, dst->width);
-    const int32_t top = zoomed ? place_zoomed(y, margin_levels, crop_height, dst->height, zoom)
-                               : place_unzoomed(y, margin_levels, crop_height, dst->height);
-    return frame_picture(dst->data, dst->width, dst->height, left, top);
-}
-
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
-                     const blend_image* out, int32_t x, int32_t y, int32_t crop_width,
-                     int32_t crop_height, int32_t center_x, int32_t center_y, int32_t levels,
-                     int32_t margin_levels, int32_t trace, float zoom, const row_work* fill) {
-    blend_box box;
+                     const blend_image* out, const blend_box* box, const row_work* fill) {
     frame_copy copy = {dst, out, 0, 0, 0, 0};
-    place_blend_box(dst, center_x, center_y, crop_width, crop_height, trace, zoom, &box);
-    if (crop_width < 1 || crop_height < 1 || box.zoom_width < 1 || box.zoom_height < 1) {
+    if (box->crop_width < 1 || box->crop_height < 1 || box->zoom_width < 1 ||
+        box->zoom_height < 1) {
         copy_frame(&copy);
         free_rotated_icon();
         return 0;
     }
     const picture rectangle =
-        place_destination(dst, x, y, crop_width, crop_height, margin_levels, zoom);
+        frame_picture(dst->data, dst->width, dst->height, box->left, box->top);
     blend_source source;
     blend_workspace* ws = NULL;
     int32_t status = -1;
-    if (open_source(src, fill, &box, crop_width, crop_height, zoom, &source)) {
-        ws = alloc_blend_workspace(box.zoom_width, box.zoom_height,
-                                   levels > 0 ? (uint32_t)levels : 0);
+    if (open_source(src, fill, box, &source)) {
+        ws = alloc_blend_workspace(box->zoom_width, box->zoom_height,
+                                   box->levels > 0 ? (uint32_t)box->levels : 0);
     }
     if (ws != NULL) {
-        const bool streams = all_in_bands(box.zoom_height, levels) && can_stream(src, dst, out);
+        const bool streams =
+            all_in_bands(box->zoom_height, box->levels) && can_stream(src, dst, out);
         status = streams ? blend_streamed(&source, &rectangle, mask, &copy, ws)
                          : blend_patches(&source, &rectangle, mask, &copy, ws);
     }

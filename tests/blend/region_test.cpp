@@ -14,11 +14,16 @@ struct placed {
 };
 
 placed place(int32_t dst_width, int32_t dst_height, int32_t center_x, int32_t center_y,
-             int32_t width, int32_t height, float zoom, int32_t trace = 0) {
+             int32_t width, int32_t height, float zoom, bool trace = false) {
     const blend_image dst = {dst_width, dst_height, nullptr};
-    blend_box b;
+    blend_box b = blend_box();
+    b.center_x = center_x;
+    b.center_y = center_y;
+    b.crop_width = width;
+    b.crop_height = height;
+    b.zoom = zoom;
     testing::internal::CaptureStdout();
-    place_blend_box(&dst, center_x, center_y, width, height, trace, zoom, &b);
+    place_blend_box(&dst, trace, &b);
     fflush(stdout);
     return {{b.zoom_width, b.zoom_height, b.zoom_left, b.zoom_top, b.crop_left, b.crop_top},
             testing::internal::GetCapturedStdout()};
@@ -42,8 +47,8 @@ TEST(PlaceBlendBox, FallsBackClampsAndTraces) {
     const std::string numbers =
         "crop_mask_width = 61, crop_mask_height = 31\ncenter_x = 60, center_y = -50\n"
         "diff_x = 30, diff_y = 15\n";
-    EXPECT_EQ(place(200, 100, 60, -50, 41, 21, 1.5F, 1).printed, numbers);
-    EXPECT_EQ(place(60, 100, 60, -50, 41, 21, 1.5F, -1).printed, numbers + too_big);
+    EXPECT_EQ(place(200, 100, 60, -50, 41, 21, 1.5F, true).printed, numbers);
+    EXPECT_EQ(place(60, 100, 60, -50, 41, 21, 1.5F, true).printed, numbers + too_big);
 }
 
 // Without a size nothing is blended into the copy.
@@ -56,9 +61,17 @@ TEST(BlendRegion, FreesTheRotatedIcon) {
         const blend_image out_image = {-1, -1, output.data()};
         g_rotated_icon = static_cast<blend_image*>(malloc(sizeof(blend_image)));
         *g_rotated_icon = {1, 1, static_cast<uint8_t*>(malloc(4))};
-        EXPECT_EQ(blend_region(&image, &image, mask.data(), &out_image, 30, 20, width, 33, 44, 37,
-                               1, 1, 0, 1, nullptr),
-                  0);
+        blend_box box = blend_box();
+        box.x = 30;
+        box.y = 20;
+        box.crop_width = width;
+        box.crop_height = 33;
+        box.center_x = 44;
+        box.center_y = 37;
+        box.levels = box.margin_levels = 1;
+        box.zoom = 1;
+        place_blend_box(&image, false, &box);
+        EXPECT_EQ(blend_region(&image, &image, mask.data(), &out_image, &box, nullptr), 0);
         EXPECT_EQ(g_rotated_icon, nullptr);
         EXPECT_EQ(output == frame.data, width == 0);
     }

@@ -31,8 +31,8 @@ Exit run_explain(const BlendJob& job, const std::string& dump_folder) {
     {
         const LogListener silence;  // the blend has logged the same lines
         stages = compute_stages({blend.icon.record(), destination.record(), blend.mask.record(),
-                                 output.record(), static_cast<float>(blend.framed.zoom),
-                                 blend.placement.angle});
+                                 output.record(), blend.geometry.centre.x, blend.geometry.centre.y,
+                                 static_cast<float>(blend.framed.zoom), blend.placement.angle});
     }
     if (!dump_folder.empty()) dump_stages(stages, dump_folder);
     picture.commit(explain_picture(job, blend, stages, destination, output));

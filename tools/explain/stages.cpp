@@ -4,11 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "api/mask_box.h"
-#include "api/rotation.h"
+#include "api/plan.h"
 #include "api/zoom_plane.h"
-#include "blend/blend_region.h"
-#include "blend/depth.h"
 #include "blend/rectangle.h"
 #include "blend/resize.h"
 #include "kernels/row_ops.h"
@@ -18,7 +15,6 @@
 namespace tool {
 namespace {
 
-constexpr pixel_layout layout_mask = {0, 1};
 constexpr pixel_layout layout_c3 = {0, 3};
 constexpr pixel_layout layout_frame = {0, 4};
 
@@ -43,58 +39,39 @@ Plane plane_of(const blend_image& image, int channels) {
     return plane;
 }
 
-// The object's box in the source frame, as the library finds it.
-struct SourceBox {
-    int32_t left, top, width, height;
-    int32_t bare_width, bare_height;
-    int32_t level_zoom, level_box;
-    int32_t center_x, center_y;
+// The object in its mask and what the blend does with it.
+struct Plan {
+    object_plan object{};
+    blend_plan blend{};
+
+    explicit Plan(const BlendCall& call) {
+        measure_object(call.mask.data, call.mask.width, call.mask.height, &object);
+        if (!turn_object(call.angle, &object)) check(-1);
+        const placement place = {call.center_x, call.center_y, call.zoom};
+        blend = plan_blend(&object, &place, &call.destination);
+    }
+    ~Plan() { free_object(&object); }
+    Plan(const Plan&) = delete;
+    Plan& operator=(const Plan&) = delete;
 };
 
-SourceBox measure(const Plane& mask, float zoom) {
-    SourceBox b{};
-    crop_mask(mask.bytes.data(), mask.width, mask.height, nullptr, &b.width, &b.height,
-              &b.bare_width, &b.bare_height, &b.left, &b.top, &b.level_zoom, BASE_LEVEL, true,
-              &layout_mask, true, &b.level_box, zoom, 0);
-    b.center_x = b.left + b.width / 2;
-    b.center_y = b.top + b.height / 2;
-    return b;
+Plane mask_part(const mask_view& mask, const pixel_box& box) {
+    Plane plane = make_plane(box.width, box.height, 1);
+    copy_mask_box(&mask, &box, plane.bytes.data(), plane.bytes.size());
+    return plane;
 }
 
-mask_view view_of(const Plane& mask) {
-    return view_of_mask(mask.bytes.data(), mask.width, mask.height, &layout_mask);
-}
-
-// Turns the mask and the source about the box's centre and measures the box again.
-void turn(BlendStages& stages, SourceBox& b, float zoom, float angle) {
-    Plane& mask = stages.source_mask;
-    const int width = mask.width;
-    const int height = mask.height;
-    const rotation rotation = make_rotation(angle, b.center_x, b.center_y, width, height);
-    const mask_view upright = view_of(mask);
-    const mask_extent extent = scan_mask(&upright, width, height);
-    rotated_mask turned;
-    if (!make_rotated_mask(&rotation, mask.bytes.data(), &extent, &turned)) check(-1);
-    crop_rotated_mask(&turned.view, width, height, &b.width, &b.height, &b.bare_width,
-                      &b.bare_height, &b.left, &b.top, b.center_x, b.center_y, &b.level_zoom,
-                      BASE_LEVEL, true, true, &b.level_box, zoom);
-    Plane whole = make_plane(width, height, 1);
-    copy_mask_box(&turned.view, 0, 0, width, height, whole.bytes.data(), whole.bytes.size());
-    free_rotated_mask(&turned);
-    mask = std::move(whole);
-
-    Plane colours = make_plane(width, height, 4);
+Plane turned_colours(const BlendCall& call, const rotation& turn) {
+    Plane colours = make_plane(call.icon.width, call.icon.height, 4);
     colour_rotation work = {
-        rotation, stages.source.bytes.data(), {0, 0, width, height}, colours.bytes.data()};
-    rotate_colours(&work, 0, 0, height);
-    stages.source = std::move(colours);
+        turn, call.icon.data, {0, 0, call.icon.width, call.icon.height}, colours.bytes.data()};
+    rotate_colours(&work, 0, 0, call.icon.height);
+    return colours;
 }
 
-Rectangle object_box(const Plane& mask) {
-    const mask_view view = view_of(mask);
-    const mask_extent extent = scan_mask(&view, mask.width, mask.height);
-    return {static_cast<int>(extent.xmin), static_cast<int>(extent.ymin),
-            static_cast<int>(extent_width(&extent)), static_cast<int>(extent_height(&extent))};
+Rectangle object_box(const mask_box& box) {
+    return {static_cast<int>(box.extent.xmin), static_cast<int>(box.extent.ymin), box.bare_width,
+            box.bare_height};
 }
 
 Plane cut_colours(const Plane& frame, const Rectangle& box) {
@@ -104,41 +81,33 @@ Plane cut_colours(const Plane& frame, const Rectangle& box) {
     return patch;
 }
 
-// The mask and the source rectangle at the zoomed size.
-void cut_inputs(const BlendStages& stages, const SourceBox& b, const blend_box& box, float zoom,
-                Level& finest) {
-    const mask_view view = view_of(stages.source_mask);
-    const Plane& frame = stages.source;
-    const int width = box.zoom_width;
-    const int height = box.zoom_height;
-    finest.mask = make_plane(b.width, b.height, 1);
-    copy_mask_box(&view, b.left, b.top, b.width, b.height, finest.mask.bytes.data(),
-                  finest.mask.bytes.size());
-    if (zoom == 1.0F) {
-        finest.source = cut_colours(frame, {box.zoom_left, box.zoom_top, width, height});
-        return;
-    }
-    const Plane mask = std::move(finest.mask);
-    finest.mask = make_plane(width, height, 1);
-    zoom_plane_nearest(mask.bytes.data(), b.width, b.height, finest.mask.bytes.data(), width,
-                       height, 1);
-    const Plane colours = cut_colours(frame, {box.crop_left, box.crop_top, b.width, b.height});
-    finest.source = make_plane(width, height, 3);
-    check(resize_plane(colours.bytes.data(), finest.source.bytes.data(), b.width, b.height, width,
-                       height, 3));
+Rectangle source_box(const blend_plan& plan) {
+    return {plan.source.x_begin + plan.box.crop_left, plan.source.y_begin + plan.box.crop_top,
+            plan.box.crop_width, plan.box.crop_height};
 }
 
-// The last opaque pixel of the output is the last one of the rectangle. One that is as wide as the
-// frame starts in the last column of the row above.
-Rectangle find_place(const blend_image& output, int width, int height) {
-    int64_t last = int64_t{output.width} * output.height - 1;
-    while (last >= 0 && output.data[last * 4] == 0)
-        last--;
-    if (last < 0) throw Error(Exit::cannot_place, "--zoom: nothing of the object is left at it");
-    const int64_t first = last - (int64_t{height} - 1) * output.width - (width - 1);
-    int64_t left = (first + output.width) % output.width;
-    if (left + width > output.width) left -= output.width;
-    return {static_cast<int>(left), static_cast<int>((first - left) / output.width), width, height};
+// The mask and the source rectangle at the zoomed size.
+void cut_inputs(const Plane& frame, const Plan& plan, Level& finest) {
+    const blend_box& box = plan.blend.box;
+    const pixel_window& source = plan.blend.source;
+    const mask_box& from = plan.object.box;
+    const int width = box.zoom_width;
+    const int height = box.zoom_height;
+    const Plane mask =
+        mask_part(plan.object.mask, {from.x0, from.y0, box.crop_width, box.crop_height});
+    if (box.zoom == 1.0F) {
+        finest.mask = mask;
+        finest.source = cut_colours(
+            frame, {source.x_begin + box.zoom_left, source.y_begin + box.zoom_top, width, height});
+        return;
+    }
+    finest.mask = make_plane(width, height, 1);
+    zoom_plane_nearest(mask.bytes.data(), mask.width, mask.height, finest.mask.bytes.data(), width,
+                       height, 1);
+    const Plane colours = cut_colours(frame, source_box(plan.blend));
+    finest.source = make_plane(width, height, 3);
+    check(resize_plane(colours.bytes.data(), finest.source.bytes.data(), colours.width,
+                       colours.height, width, height, 3));
 }
 
 Plane reduce(const Plane& fine) {
@@ -237,25 +206,27 @@ double find_gain(const std::vector<Level>& levels) {
 }  // namespace
 
 BlendStages compute_stages(const BlendCall& call) {
+    const Plan plan(call);
+    const blend_box& box = plan.blend.box;
+    if (box.zoom_width < 1 || box.zoom_height < 1) {
+        throw Error(Exit::cannot_place, "--zoom: nothing of the object is left at it");
+    }
     BlendStages stages{};
-    stages.source = plane_of(call.icon, 4);
-    stages.source_mask = plane_of(call.mask, 1);
-    SourceBox b = measure(stages.source_mask, call.zoom);
-    if (call.angle != 0.0F) turn(stages, b, call.zoom, call.angle);
-    stages.object = object_box(stages.source_mask);
-    stages.margin = margin_of_level(b.level_box);
-
-    blend_box box;
-    place_blend_box(&call.destination, b.center_x, b.center_y, b.width, b.height, 0, call.zoom,
-                    &box);
-    stages.box = {box.crop_left, box.crop_top, b.width, b.height};
-    stages.place = find_place(call.output, box.zoom_width, box.zoom_height);
+    const int32_t frame_width = call.mask.width;
+    const int32_t frame_height = call.mask.height;
+    stages.source =
+        plan.object.turned ? turned_colours(call, plan.object.turn) : plane_of(call.icon, 4);
+    stages.source_mask = mask_part(plan.object.mask, {0, 0, frame_width, frame_height});
+    stages.object = object_box(plan.object.box);
+    stages.margin = plan.object.box.margin;
+    stages.box = source_box(plan.blend);
+    stages.place = {box.left, box.top, box.zoom_width, box.zoom_height};
 
     Level finest;
-    cut_inputs(stages, b, box, call.zoom, finest);
+    cut_inputs(stages.source, plan, finest);
     finest.destination = cut_colours(plane_of(call.destination, 4), stages.place);
     stages.levels.push_back(std::move(finest));
-    build_pyramids(stages.levels, b.level_zoom);
+    build_pyramids(stages.levels, box.levels);
     collapse(stages.levels);
     stages.gain = find_gain(stages.levels);
 

@@ -43,11 +43,11 @@ struct BlendStages {
 struct BlendCall {
     blend_image icon, destination, mask;
     blend_image output;  // what the library made of them
+    int32_t center_x, center_y;
     float zoom, angle;
 };
 
-// The destination must have zero bytes for alpha, as the place is read from the opaque pixels of
-// the output. Fails when the stages do not give the library's output byte for byte.
+// Fails when the stages do not give the library's output byte for byte.
 BlendStages compute_stages(const BlendCall& call);
 
 // One of the Laplacian planes of a level, times the gain, around a grey of 128; at the top the
