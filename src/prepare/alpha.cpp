@@ -1,0 +1,46 @@
+#include "prepare/alpha.h"
+
+#include <string.h>
+
+#include "frame.h"
+
+bool source_is_valid(const imageblend_source* source) {
+    if (source == NULL || source->picture == NULL || source->picture->data == NULL) return false;
+    const blend_image* picture = source->picture;
+    if (picture->width < 1 || picture->height < 1) return false;
+    const blend_image* mask = source->mask;
+    if (mask == NULL) return true;
+    return mask->data != NULL && mask->width == picture->width && mask->height == picture->height;
+}
+
+void copy_alpha(const imageblend_source* source, const imageblend_box* box, uint8_t* alpha) {
+    const size_t row_pixels = (size_t)source->picture->width, width = (size_t)box->width;
+    for (int32_t y = 0; y < box->height; y++, alpha += width) {
+        const size_t first = (size_t)(box->top + y) * row_pixels + (size_t)box->left;
+        if (source->mask != NULL) {
+            memcpy(alpha, source->mask->data + first, width);
+            continue;
+        }
+        const uint8_t* pixels = source->picture->data + 4 * first;
+        for (size_t x = 0; x < width; x++)
+            alpha[x] = pixels[4 * x];
+    }
+}
+
+int32_t find_alpha_kind(const uint8_t* alpha, int32_t width, int32_t height) {
+    int64_t between = 0, steps = 0;
+    for (int64_t y = 0; y < height; y++) {
+        const uint8_t* row = alpha + y * width;
+        const uint8_t* below = y + 1 < height ? row + width : row;
+        for (int64_t x = 0; x < width; x++) {
+            between += row[x] != 0 && row[x] != 255;
+            const bool inside = row[x] >= ALPHA_INSIDE;
+            steps += inside != (below[x] >= ALPHA_INSIDE);
+            if (x + 1 < width) steps += inside != (row[x + 1] >= ALPHA_INSIDE);
+        }
+    }
+    // A step of a slanted outline crosses one to one and a half soft pixels for each pixel of
+    // width.
+    if (between * 20 <= steps) return IMAGEBLEND_ALPHA_HARD;
+    return between <= steps * 3 ? IMAGEBLEND_ALPHA_OUTLINE : IMAGEBLEND_ALPHA_SOFT;
+}

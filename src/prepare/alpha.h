@@ -1,0 +1,20 @@
+// An object's alpha in the box that is worked on, and what kind of alpha that is.
+#ifndef IMAGEBLEND_PREPARE_ALPHA_H
+#define IMAGEBLEND_PREPARE_ALPHA_H
+
+#include "imageblend_prepare.h"
+
+// From this alpha on a pixel counts as inside an outline.
+enum { ALPHA_INSIDE = 128 };
+
+// Whether the records can be read: no null, sides from 1 on, a mask of the picture's size.
+bool source_is_valid(const imageblend_source* source);
+
+// Alpha of the source, one byte for each pixel of the box.
+void copy_alpha(const imageblend_source* source, const imageblend_box* box, uint8_t* alpha);
+
+// IMAGEBLEND_ALPHA_...: by the number of pixels that are neither inside nor outside for each step
+// of the outline.
+int32_t find_alpha_kind(const uint8_t* alpha, int32_t width, int32_t height);
+
+#endif
