@@ -24,6 +24,7 @@ constexpr const char* statuses =
     "  1   verify: fits, but a seam may show\n"
     "  2   the object cannot be placed; the message gives the zoom that fits\n"
     "  3   batch: some jobs failed, the others are done\n"
+    "  4   a warning under --strict; nothing is written\n"
     "  64  wrong arguments\n"
     "  65  unusable picture or mask (sizes differ, no object, no alpha channel)\n"
     "  66  an input file cannot be read\n"
@@ -35,7 +36,15 @@ struct Arguments {
     std::string at;  // empty or "X,Y"
     std::string dump_folder;
     tool::BatchArguments batch;
+    tool::WarningRules warnings;
 };
+
+// What every command takes.
+void add_rules(CLI::App& command, Arguments& arguments) {
+    command.add_flag("--strict", arguments.warnings.strict,
+                     "take a warning for a failure, and write nothing then");
+    command.add_flag("--quiet", arguments.warnings.quiet, "print no warnings");
+}
 
 void add_object(CLI::App& command, tool::ObjectArguments& object) {
     command.add_option("SOURCE", object.source, "picture with the object")->required();
@@ -147,6 +156,8 @@ Commands define(CLI::App& app, Arguments& arguments) {
     define_explain(*commands.explain, arguments);
     commands.batch = app.add_subcommand("batch", "Blend every job of a file");
     define_batch(*commands.batch, arguments.batch);
+    for (CLI::App* const command : app.get_subcommands(nullptr))
+        add_rules(*command, arguments);
     return commands;
 }
 
@@ -194,6 +205,7 @@ int run(int argc, char** argv) {
         return static_cast<int>(complain_of_arguments(app, argv[1], error.what()));
     }
 
+    tool::set_warning_rules(arguments.warnings);
     if (commands.batch->parsed()) {
         return static_cast<int>(
             tool::run_guarded([&] { return tool::run_batch(arguments.batch); }));

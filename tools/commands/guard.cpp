@@ -11,6 +11,30 @@ namespace {
 
 void ignore_message(const char*, GLogLevelFlags, const char*, void*) {}
 
+struct Outcome {
+    Exit status;
+    std::string message;
+};
+
+Outcome run_caught(const std::function<Exit()>& command) {
+    try {
+        const Exit status = command();
+        if (std::fflush(stdout) != 0) {
+            return {Exit::no_output, "standard output: cannot be written"};
+        }
+        if (status == Exit::success) refuse_warnings("failed");
+        return {status, ""};
+    } catch (const Error& error) {
+        return {error.status(), error.what()};
+    } catch (const vips::VError& error) {
+        return {Exit::internal, vips_message(error)};
+    } catch (const std::bad_alloc&) {
+        return {Exit::internal, "not enough memory"};
+    } catch (const std::exception& error) {
+        return {Exit::internal, error.what()};
+    }
+}
+
 }  // namespace
 
 Exit complain(Exit status, const std::string& message) {
@@ -19,19 +43,10 @@ Exit complain(Exit status, const std::string& message) {
 }
 
 Exit run_guarded(const std::function<Exit()>& command) {
-    try {
-        const Exit status = command();
-        if (std::fflush(stdout) == 0) return status;
-        return complain(Exit::no_output, "standard output: cannot be written");
-    } catch (const Error& error) {
-        return complain(error.status(), error.what());
-    } catch (const vips::VError& error) {
-        return complain(Exit::internal, vips_message(error));
-    } catch (const std::bad_alloc&) {
-        return complain(Exit::internal, "not enough memory");
-    } catch (const std::exception& error) {
-        return complain(Exit::internal, error.what());
-    }
+    forget_warnings();
+    const Outcome outcome = run_caught(command);
+    print_warnings();
+    return outcome.message.empty() ? outcome.status : complain(outcome.status, outcome.message);
 }
 
 bool start_vips() {

@@ -18,6 +18,7 @@ _imageblend() {
         batch) options='--jobs --overwrite --help' ;;
         *) return ;;
     esac
+    options+=' --strict --quiet'
     case $before in
         --at | --zoom | --angle | --jobs) return ;; # a number of the user's
         --dump) kind=directory ;;

@@ -14,6 +14,7 @@ enum class Exit : int {
     seams = 1,
     cannot_place = 2,
     jobs_failed = 3,
+    warned = 4,
     usage = 64,
     bad_data = 65,
     no_input = 66,
@@ -31,9 +32,21 @@ class Error : public std::runtime_error {
     Exit status_;
 };
 
-inline void warn(const std::string& message) {
-    std::fprintf(stderr, "imageblend: warning: %s\n", message.c_str());
-}
+struct WarningRules {
+    bool strict = false;  // a warning is a failure
+    bool quiet = false;   // none is printed
+};
+// Holds for all commands that follow, and for the processes that are forked.
+void set_warning_rules(const WarningRules& rules);
+
+// Kept until print_warnings, which comes after the output is in place.
+void warn(const std::string& message);
+// Since forget_warnings; those that are printed or silenced count too.
+int warnings_given();
+void forget_warnings();
+void print_warnings();
+// Fails if there is a warning and --strict is given. `what_failed` is "out.jpg: is not written".
+void refuse_warnings(const std::string& what_failed);
 
 // A number with three digits, for messages.
 inline std::string short_text(double number) {

@@ -136,6 +136,7 @@ void OutputFile::commit(const vips::VImage& image) {
     } catch (const vips::VError& error) {
         fail(shorten(vips_message(error)));
     }
+    refuse_warnings(path_ + ": is not written");
     // Late write errors (quota, network folders) show here, before the old file is replaced.
     if (fsync(descriptor_) != 0 && errno != EINVAL) fail(std::strerror(errno));
     // Some file systems have no permissions to set.
