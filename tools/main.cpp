@@ -2,7 +2,9 @@
 #include <imageblend.h>
 
 #include <CLI/CLI.hpp>
+#include <cstdint>
 #include <cstdio>
+#include <map>
 #include <string>
 #include <vips/vips8>
 
@@ -10,6 +12,7 @@
 #include "commands/guard.h"
 #include "pictures/errors.h"
 #include "pictures/output_file.h"
+#include "pictures/picture_file.h"
 
 namespace {
 
@@ -37,6 +40,7 @@ struct Arguments {
     std::string dump_folder;
     tool::BatchArguments batch;
     tool::WarningRules warnings;
+    tool::ReadingRules reading;
 };
 
 // What every command takes.
@@ -44,6 +48,16 @@ void add_rules(CLI::App& command, Arguments& arguments) {
     command.add_flag("--strict", arguments.warnings.strict,
                      "take a warning for a failure, and write nothing then");
     command.add_flag("--quiet", arguments.warnings.quiet, "print no warnings");
+    command.add_flag("--any-format", arguments.reading.any_format,
+                     "read every kind of file that libvips can, such as SVG, PDF and those of "
+                     "ImageMagick; only for files that you trust");
+    const std::map<std::string, uint64_t> units{{"k", 1'000}, {"M", 1'000'000}};
+    command
+        .add_option("--max-pixels", arguments.reading.max_pixels,
+                    "refuse pictures with more pixels (default: 200M)")
+        ->transform(CLI::AsNumberWithUnit(units, CLI::AsNumberWithUnit::CASE_INSENSITIVE))
+        ->check(CLI::Range(uint64_t{1}, uint64_t{1'000'000'000'000'000}))
+        ->type_name("N");
 }
 
 void add_object(CLI::App& command, tool::ObjectArguments& object) {
@@ -161,9 +175,19 @@ Commands define(CLI::App& app, Arguments& arguments) {
     return commands;
 }
 
+void check_standard_input(const tool::BlendJob& job) {
+    int uses = 0;
+    for (const std::string& path : {job.object.source, job.object.mask, job.destination})
+        uses += path == tool::standard_stream ? 1 : 0;
+    if (uses > 1) {
+        throw tool::Error(tool::Exit::usage, "-: standard input holds one picture only");
+    }
+}
+
 tool::Exit dispatch(const Commands& commands, Arguments& arguments) {
     if (!arguments.at.empty()) arguments.job.placement.at = tool::parse_pixel(arguments.at);
     const tool::BlendJob& job = arguments.job;
+    check_standard_input(job);
     if (commands.blend->parsed()) return tool::run_blend(job);
     if (commands.verify->parsed()) return tool::run_verify(job);
     if (commands.size->parsed()) return tool::run_size(job.object);
@@ -206,6 +230,7 @@ int run(int argc, char** argv) {
     }
 
     tool::set_warning_rules(arguments.warnings);
+    tool::set_reading_rules(arguments.reading);
     if (commands.batch->parsed()) {
         return static_cast<int>(
             tool::run_guarded([&] { return tool::run_batch(arguments.batch); }));

@@ -62,7 +62,7 @@ completion() {
     complete_words ""
     for command in ${offered//--*/}; do
         complete_words "$command" -
-        words=$("$tool" "$command" --help | grep -oE '^  (-h,)?--[a-z]+' | sed 's/.*--/--/' | sort)
+        words=$("$tool" "$command" --help | grep -oE '^  (-h,)?--[a-z-]+' | sed 's/.*--/--/' | sort)
         [ "$(tr ' ' '\n' <<<"$offered" | sort)" = "$words" ] || fail "options of $command: $offered"
     done
     [ "$command" = batch ] || fail "the commands are not offered"

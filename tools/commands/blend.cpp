@@ -15,7 +15,7 @@ Exit run_blend(const BlendJob& job) {
         warn(job.output + ": this kind of file holds no alpha channel; that of " + job.destination +
              " is left out");
     }
-    output.commit(frame_picture(canvas, with_alpha));
+    output.commit(with_metadata(frame_picture(canvas, with_alpha), blend.photo));
     return Exit::success;
 }
 

@@ -16,10 +16,11 @@ std::string pixels(int number) {
 
 PreparedBlend prepare_blend(const BlendJob& job) {
     PreparedBlend blend;
-    blend.destination = load_picture(job.destination);
+    blend.photo = load_destination(job.destination);
+    blend.destination = blend.photo.pixels;
     const Size frame = size_of(blend.destination);
     blend.placement = place(job.placement, frame);
-    blend.object = load_object(job.object, Wanted::mask_and_picture);
+    blend.object = load_object(job.object, Wanted::mask_and_picture, blend.photo);
     blend.framed = fit_object(blend.object, frame, blend.placement.zoom, blend.placement.angle);
     blend.mask = mask_frame(blend.framed);
     blend.verdict = verify(blend.mask, blend.placement, blend.framed.zoom);

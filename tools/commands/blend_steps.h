@@ -8,7 +8,8 @@ namespace tool {
 
 // Everything that is known before the blend.
 struct PreparedBlend {
-    vips::VImage destination;  // as loaded, alpha included
+    Photo photo;
+    vips::VImage destination;  // its pixels, alpha included
     Placement placement;
     Object object;
     FramedObject framed;

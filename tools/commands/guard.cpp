@@ -4,10 +4,12 @@
 #include <new>
 #include <vips/vips8>
 
-#include "pictures/picture.h"
+#include "pictures/picture_file.h"
 
 namespace tool {
 namespace {
+
+constexpr const char* no_memory = "not enough memory";
 
 void ignore_message(const char*, GLogLevelFlags, const char*, void*) {}
 
@@ -27,9 +29,10 @@ Outcome run_caught(const std::function<Exit()>& command) {
     } catch (const Error& error) {
         return {error.status(), error.what()};
     } catch (const vips::VError& error) {
-        return {Exit::internal, vips_message(error)};
+        const std::string message = vips_message(error);
+        return {Exit::internal, is_lack_of_memory(message) ? no_memory : message};
     } catch (const std::bad_alloc&) {
-        return {Exit::internal, "not enough memory"};
+        return {Exit::internal, no_memory};
     } catch (const std::exception& error) {
         return {Exit::internal, error.what()};
     }
@@ -59,6 +62,7 @@ bool start_vips() {
                                                   G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG),
                       ignore_message, nullptr);
     vips_cache_set_max(0);  // a file that changes is read anew, and pictures are freed early
+    apply_reading_rules();
     return true;
 }
 

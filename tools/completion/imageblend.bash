@@ -18,9 +18,9 @@ _imageblend() {
         batch) options='--jobs --overwrite --help' ;;
         *) return ;;
     esac
-    options+=' --strict --quiet'
+    options+=' --strict --quiet --any-format --max-pixels'
     case $before in
-        --at | --zoom | --angle | --jobs) return ;; # a number of the user's
+        --at | --zoom | --angle | --jobs | --max-pixels) return ;; # a number of the user's
         --dump) kind=directory ;;
     esac
     if [[ $word == -* && $before != --mask && $before != --dump ]]; then

@@ -47,12 +47,12 @@ Size find_box_size(const VImage& mask) {
     return size;
 }
 
-Object load_object(const ObjectArguments& arguments, Wanted wanted) {
+Object load_object(const ObjectArguments& arguments, Wanted wanted, const Photo& destination) {
     Object object;
     object.soft = arguments.soft;
     const bool own_alpha = arguments.mask.empty();
     if (own_alpha || wanted == Wanted::mask_and_picture) {
-        object.picture = load_picture(arguments.source);
+        object.picture = load_source(arguments.source, destination);
     }
     VImage mask;
     if (own_alpha) {

@@ -29,7 +29,8 @@ struct Object {
 
 enum class Wanted { mask, mask_and_picture };
 // Fails when there is no mask, when it has not the picture's size, or when it holds no object.
-Object load_object(const ObjectArguments& arguments, Wanted wanted);
+// The picture comes in the colours of the destination.
+Object load_object(const ObjectArguments& arguments, Wanted wanted, const Photo& destination = {});
 
 // 255 from 128 on and 0 below; a soft mask stays as it is. In memory.
 vips::VImage cut_mask(const vips::VImage& mask, bool soft);

@@ -14,7 +14,7 @@
 #include <filesystem>
 
 #include "pictures/errors.h"
-#include "pictures/picture.h"
+#include "pictures/picture_file.h"
 
 namespace tool {
 namespace {

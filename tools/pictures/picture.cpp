@@ -1,83 +1,48 @@
 #include "pictures/picture.h"
 
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 
+#include "pictures/colour_profile.h"
 #include "pictures/errors.h"
+#include "pictures/picture_file.h"
 
 namespace tool {
 namespace {
 
 using vips::VImage;
 
-// A path may carry libvips options in brackets, such as "scan.tif[page=2]".
-std::string without_options(const std::string& path) {
-    char* plain = vips_filename_get_filename(path.c_str());
-    std::string result = plain;
-    g_free(plain);
+// A mask whose red, green and blue differ by more is coloured; lossy files blur less than that.
+constexpr double grey_tolerance = 8.0;
+
+// Turning needs all pixels at hand, so it comes last.
+VImage upright_in_memory(const VImage& image) {
+    VImage result = image.copy_memory();
+    if (vips_image_get_orientation(result.get_image()) > 1) result = result.autorot().copy_memory();
     return result;
 }
 
-VImage open_upright(const std::string& path) {
-    if (access(without_options(path).c_str(), R_OK) != 0) {
-        throw Error(Exit::no_input, path + ": cannot be read: " + std::strerror(errno));
-    }
-    return VImage::new_from_file(path.c_str(),
-                                 VImage::option()->set("fail_on", VIPS_FAIL_ON_TRUNCATED))
-        .autorot();
-}
-
-template <typename Step>
-auto reading(const std::string& path, const Step& step) {
-    try {
-        return step();
-    } catch (const vips::VError& error) {
-        throw Error(Exit::no_input, path + ": cannot be read: " + vips_message(error));
-    }
-}
-
-double largest_alpha(const VImage& image) {
-    switch (image.interpretation()) {
-        case VIPS_INTERPRETATION_RGB16:
-        case VIPS_INTERPRETATION_GREY16:
-            return 65535.0;
-        case VIPS_INTERPRETATION_scRGB:
-            return 1.0;
+VImage band_to_8_bits(const VImage& band) {
+    switch (band.format()) {
+        case VIPS_FORMAT_UCHAR:
+            return band;
+        case VIPS_FORMAT_USHORT:
+            return (band / 257.0).rint().cast(VIPS_FORMAT_UCHAR);
         default:
-            return 255.0;
+            return band.cast(VIPS_FORMAT_UCHAR);
     }
 }
 
-// Through the embedded colour profile where the file has a usable one.
-VImage colour_to_srgb(const VImage& colour) {
-    if (colour.get_typeof("icc-profile-data") != 0) {
-        try {
-            return colour.icc_transform("srgb", VImage::option()->set("embedded", true));
-        } catch (const vips::VError&) {
-            vips_error_clear();
-        }
-    }
-    return colour.colourspace(
-        VIPS_INTERPRETATION_sRGB,
-        VImage::option()->set("source_space", vips_image_guess_interpretation(colour.get_image())));
+bool is_coloured(const VImage& image) {
+    const VImage colour = band_to_8_bits(image.extract_band(0, VImage::option()->set("n", 3)));
+    const VImage red = colour.extract_band(0);
+    const VImage green = colour.extract_band(1);
+    const VImage blue = colour.extract_band(2);
+    return std::max((red - green).abs().max(), (green - blue).abs().max()) > grey_tolerance;
 }
 
-VImage to_srgb(const VImage& image) {
-    const bool has_alpha = image.has_alpha();
-    const VImage colour =
-        has_alpha ? image.extract_band(0, VImage::option()->set("n", image.bands() - 1)) : image;
-    VImage result = colour_to_srgb(colour);
-    if (result.bands() > 3) result = result.extract_band(0, VImage::option()->set("n", 3));
-    result = result.cast(VIPS_FORMAT_UCHAR);
-    if (!has_alpha) return result;
-    VImage alpha = image.extract_band(image.bands() - 1);
-    if (image.format() != VIPS_FORMAT_UCHAR) {
-        alpha = (alpha * (255.0 / largest_alpha(image))).rint().cast(VIPS_FORMAT_UCHAR);
-    }
-    return result.bandjoin(alpha);
+VImage grey_values(const VImage& image) {
+    if (image.interpretation() == VIPS_INTERPRETATION_B_W) return image.extract_band(0);
+    return image.colourspace(VIPS_INTERPRETATION_B_W).extract_band(0);
 }
 
 }  // namespace
@@ -90,37 +55,72 @@ Size size_of(const VImage& image) {
     return {image.width(), image.height()};
 }
 
-std::string vips_message(const vips::VError& error) {
-    std::string message = error.what();
-    vips_error_clear();
-    while (!message.empty() && message.back() == '\n')
-        message.pop_back();
-    for (size_t at = 0; (at = message.find('\n', at)) != std::string::npos;) {
-        message.replace(at, 1, "; ");
-    }
-    return message;
-}
-
 Size picture_size(const std::string& path) {
-    return reading(path, [&] { return size_of(open_upright(path)); });
+    return reading(path, [&] { return size_of(open_picture(path).autorot()); });
 }
 
 bool picture_has_alpha(const std::string& path) {
-    return reading(path, [&] { return open_upright(path).has_alpha(); });
+    return reading(path, [&] { return open_picture(path).has_alpha(); });
+}
+
+Photo load_destination(const std::string& path) {
+    return reading(path, [&] {
+        VImage image = open_picture(path);
+        if (!is_8_bit_rgb(image)) {
+            warn(input_name(path) + ": " + kind_of_pixels(image) + " is converted to 8-bit sRGB");
+            image = to_srgb(image);
+        }
+        const VImage pixels = upright_in_memory(image);
+        return Photo{pixels, profile_of(pixels)};
+    });
+}
+
+VImage with_metadata(const VImage& picture, const Photo& photo) {
+    VipsImage* const from = photo.pixels.get_image();
+    VImage result = picture.copy(
+        VImage::option()->set("xres", photo.pixels.xres())->set("yres", photo.pixels.yres()));
+    char** const fields = vips_image_get_fields(from);
+    for (char** field = fields; *field; field++) {
+        const bool known = result.get_typeof(*field) != 0;  // width, bands, ...
+        if (known || std::string(*field) == "jpeg-thumbnail-data") continue;
+        GValue value = G_VALUE_INIT;
+        if (vips_image_get(from, *field, &value) != 0) continue;
+        vips_image_set(result.get_image(), *field, &value);
+        g_value_unset(&value);
+    }
+    g_strfreev(fields);
+    return result;
+}
+
+VImage load_source(const std::string& path, const Photo& destination) {
+    return reading(path, [&] {
+        VImage image = open_picture(path);
+        const bool same_colours = same_profile(profile_of(image), destination.profile);
+        if (!is_8_bit_rgb(image) || !same_colours) {
+            image = same_profile("", destination.profile) ? to_srgb(image)
+                                                          : to_profile(image, destination.profile);
+        }
+        return upright_in_memory(image);
+    });
 }
 
 VImage load_picture(const std::string& path) {
-    return reading(path, [&] { return to_srgb(open_upright(path)).copy_memory(); });
+    return load_source(path, Photo{});
 }
 
 VImage load_mask(const std::string& path) {
     return reading(path, [&] {
-        VImage image = open_upright(path);
-        if (image.has_alpha()) image = image.flatten();
-        if (image.interpretation() != VIPS_INTERPRETATION_B_W) {
-            image = image.colourspace(VIPS_INTERPRETATION_B_W);
+        VImage image = upright_in_memory(open_picture(path));
+        if (image.has_alpha()) {
+            const VImage alpha =
+                band_to_8_bits(image.extract_band(image.bands() - 1)).copy_memory();
+            if (alpha.min() < 255.0) return alpha;
+            image = image.extract_band(0, VImage::option()->set("n", image.bands() - 1));
         }
-        return image.extract_band(0).cast(VIPS_FORMAT_UCHAR).copy_memory();
+        if (image.bands() >= 3 && is_coloured(image)) {
+            warn(input_name(path) + ": the mask is coloured; its grey values are taken");
+        }
+        return band_to_8_bits(grey_values(image)).copy_memory();
     });
 }
 
