@@ -11,7 +11,6 @@
 #include "commands/commands.h"
 #include "commands/guard.h"
 #include "pictures/errors.h"
-#include "pictures/output_file.h"
 #include "pictures/picture_file.h"
 
 namespace {
@@ -235,7 +234,6 @@ int run(int argc, char** argv) {
         return static_cast<int>(
             tool::run_guarded([&] { return tool::run_batch(arguments.batch); }));
     }
-    tool::remove_output_on_signals();
     if (!tool::start_vips()) return static_cast<int>(tool::Exit::internal);
     const tool::Exit status = tool::run_guarded([&] { return dispatch(commands, arguments); });
     vips_shutdown();

@@ -82,25 +82,6 @@ files() {
     vips gaussnoise noise.v 400 300 && vips cast noise.v noise.jpg uchar
     head -c 20000 noise.jpg >short.jpg
     run 66 blend cut.png short.jpg o.png && says "short.jpg"
-
-    # A write that fails in the middle keeps the old output. 16 blocks of 512 or 1024 bytes.
-    vips cast noise.v noise.png uchar
-    cp cut.png o.png
-    (ulimit -f 16 && "$tool" blend cut.png noise.png o.png 2>err)
-    [ $? -eq 73 ] || fail "a write that fails goes unnoticed"
-    says "o.png: cannot be written"
-    cmp -s cut.png o.png || fail "a failed write touched the old output"
-    no_leftovers
-    "$tool" size bar.png >/dev/full 2>err
-    [ $? -eq 73 ] || fail "a full standard output goes unnoticed"
-
-    # The source never arrives: a signal takes the temporary file away.
-    mkfifo never.png
-    "$tool" blend never.png black.png o.png 2>err &
-    wait_for 1 . '.imageblend*'
-    kill -TERM $!
-    wait $! && fail "a signal does not end the command"
-    no_leftovers
 }
 
 objects() {
@@ -184,18 +165,7 @@ surroundings() {
     run 0 blend dark.png narrow.png o.png --zoom 0.8 && says "scaled" && at_least o.png 253
 }
 
-kinds_of_files() {
-    # The destination's alpha stays, but the blended rectangle is opaque.
-    flat alpha.png 600 400 77 1 && vips bandjoin "black.png alpha.png" veil.png
-    run 0 blend white.png veil.png o.png --mask bar.png && silent
-    pixel_is o.png 5 5 0 0 0 77 && pixel_is o.png 300 200 255 255 255 255
-    run 0 blend white.png veil.png o.jpg --mask bar.png && says "no alpha channel"
-    # 16 bits and grey.
-    vips cast white.png 16.v ushort --shift && vips copy 16.v deep.png --interpretation rgb16
-    vips cast bar.png 16.v ushort --shift && vips copy 16.v mask16.png --interpretation grey16
-    flat grey.png 600 400 50 1
-    run 0 blend deep.png grey.png o.tif --mask mask16.png
-    pixel_is o.tif 5 5 50 50 50 && pixel_is o.tif 300 200 255 255 255
+orientations() {
     # Turned by its EXIF data, the picture is 400 high and 300 wide.
     vips copy white.png "flat.jpg[strip]"
     {
@@ -210,4 +180,4 @@ kinds_of_files() {
     [ "$(size o.png)" = 300x400 ] || fail "the orientation of a destination is ignored"
 }
 
-groups arguments completion files objects places sizes verdicts surroundings kinds_of_files
+groups arguments completion files objects places sizes verdicts surroundings orientations

@@ -16,7 +16,6 @@
 
 #include "batch/job.h"
 #include "commands/guard.h"
-#include "pictures/output_file.h"
 
 namespace tool {
 namespace {
@@ -69,7 +68,6 @@ void start(std::vector<Worker>& workers, size_t index, const sigset_t& signals) 
         signal(SIGINT, SIG_IGN);
         signal(SIGHUP, SIG_IGN);
         signal(SIGTERM, SIG_DFL);
-        remove_output_on_signals();
         pthread_sigmask(SIG_SETMASK, &signals, nullptr);
         serve(ends[1], workers.size());
     }

@@ -6,6 +6,7 @@ namespace tool {
 Exit run_blend(const BlendJob& job) {
     OutputFile output(job.output);
     const PreparedBlend blend = prepare_blend(job);
+    output.take_kind_of(blend.destination);
     const Frame canvas = colour_frame(blend.destination);
     blend_frames(blend, canvas, canvas);
     report_placement(job, blend);

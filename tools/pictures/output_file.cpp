@@ -4,12 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <csignal>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 
@@ -19,41 +15,7 @@
 namespace tool {
 namespace {
 
-constexpr int ending_signals[] = {SIGHUP, SIGINT, SIGTERM};
-
-// Read by the signal handler: the temporary file that is to be removed.
-char pending_path[PATH_MAX];
-volatile sig_atomic_t pending = 0;
-
-void remove_and_end(int signal_number) {
-    if (pending) unlink(pending_path);
-    signal(signal_number, SIG_DFL);
-    raise(signal_number);
-}
-
-// Held while the file and `pending` change together.
-class SignalsHeld {
-  public:
-    SignalsHeld() {
-        sigset_t held;
-        sigemptyset(&held);
-        for (const int number : ending_signals)
-            sigaddset(&held, number);
-        pthread_sigmask(SIG_BLOCK, &held, &before_);
-    }
-    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsHeld(const SignalsHeld&) = delete;
-    SignalsHeld& operator=(const SignalsHeld&) = delete;
-
-  private:
-    sigset_t before_;
-};
-
-std::string take_text(char* text_of_glib) {
-    std::string result = text_of_glib ? text_of_glib : "";
-    g_free(text_of_glib);
-    return result;
-}
+using vips::VImage;
 
 // The permissions that a newly created file would get, or those of the file that is replaced.
 mode_t mode_for(const std::string& target) {
@@ -65,85 +27,138 @@ mode_t mode_for(const std::string& target) {
 }
 
 // libvips repeats itself when a write fails: up to the system's reason, without the temporary name.
-std::string shorten(std::string message) {
-    const std::string name = std::string(pending_path) + ": ";
+std::string shorten(std::string message, const std::string& temporary_path) {
+    const std::string name = temporary_path + ": ";
     if (message.compare(0, name.size(), name) == 0) message.erase(0, name.size());
     const size_t reason = message.find("unix error: ");
     return reason == std::string::npos ? message : message.substr(0, message.find(';', reason));
 }
 
-bool saver_keeps_alpha(const char* saver) {
-    const auto* const kind =
-        static_cast<const VipsForeignSaveClass*>(g_type_class_ref(g_type_from_name(saver)));
-    return kind->saveable == VIPS_SAVEABLE_RGBA || kind->saveable == VIPS_SAVEABLE_RGBA_ONLY ||
-           kind->saveable == VIPS_SAVEABLE_ANY;
+bool write_all(int descriptor, const char* bytes, size_t size) {
+    while (size > 0) {
+        const ssize_t part = write(descriptor, bytes, size);
+        if (part < 0 && errno == EINTR) continue;
+        if (part < 0) return false;
+        bytes += part;
+        size -= static_cast<size_t>(part);
+    }
+    return true;
+}
+
+bool copy_file(int from, int to) {
+    char block[65536];
+    off_t at = 0;
+    ssize_t bytes = 0;
+    while ((bytes = pread(from, block, sizeof block, at)) > 0) {
+        if (!write_all(to, block, static_cast<size_t>(bytes))) return false;
+        at += bytes;
+    }
+    return bytes == 0;
 }
 
 }  // namespace
 
-void remove_output_on_signals() {
-    for (const int number : ending_signals) {
-        // An ignored signal stays ignored (nohup).
-        if (signal(number, remove_and_end) == SIG_IGN) signal(number, SIG_IGN);
-    }
-    signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is a failed write
-}
+OutputFile::OutputFile(const std::string& path) : path_(path) {
+    char* const plain = vips_filename_get_filename(path.c_str());
+    target_ = plain;
+    g_free(plain);
+    const std::string bracketed = path.substr(target_.size());
+    if (bracketed.size() > 2) options_ = bracketed.substr(1, bracketed.size() - 2);
 
-OutputFile::OutputFile(const std::string& path)
-    : path_(path),
-      target_(take_text(vips_filename_get_filename(path.c_str()))),
-      options_(take_text(vips_filename_get_options(path.c_str()))) {
-    namespace fs = std::filesystem;
-    const char* const saver = vips_foreign_find_save(path.c_str());
-    // A DeepZoom saver writes a tree of files, which cannot take the place of the output at once.
-    if (!saver || std::strncmp(saver, "VipsForeignSaveDz", 17) == 0) {
-        vips_error_clear();
+    suffix_given_ = find_kind(target_, kind_);
+    if (!suffix_given_) find_kind(".png", kind_);
+    find_place();
+    if (!suffix_given_ && place_ == Place::file) {
         throw Error(Exit::usage, path + ": no kind of image file has this suffix");
     }
-    keeps_alpha_ = saver_keeps_alpha(saver);
-
-    std::error_code ignored;
-    if (fs::is_symlink(target_, ignored)) {
-        const fs::path followed = fs::weakly_canonical(target_, ignored);
-        if (!ignored) target_ = followed;
+    signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is a failed write
+    if (place_ != Place::file && kind_.wants_name) {
+        throw Error(Exit::usage, path + ": this kind of file cannot be written to a stream");
     }
-    if (fs::is_directory(target_, ignored)) fail(std::strerror(EISDIR));
-
-    const fs::path file(target_);
-    const std::string suffix = file.extension();
-    const std::string name = file.parent_path() / (".imageblend-XXXXXX" + suffix);
-    if (name.size() >= sizeof pending_path) fail(std::strerror(ENAMETOOLONG));
-    const SignalsHeld held;
-    std::copy_n(name.c_str(), name.size() + 1, pending_path);
-    descriptor_ = mkostemps(pending_path, static_cast<int>(suffix.size()), O_CLOEXEC);
-    if (descriptor_ < 0) fail(std::strerror(errno));
-    pending = 1;
+    const bool created = place_ == Place::file
+                             ? file_.create_beside(target_, kind_.wants_name ? kind_.suffix : "")
+                             : file_.create_in_memory();
+    if (!created) fail_with_errno();
 }
 
-OutputFile::~OutputFile() {
-    close(descriptor_);
-    if (pending) unlink(pending_path);
-    pending = 0;
+void OutputFile::find_place() {
+    const bool suffix_alone = suffix_given_ && target_[0] == '.' && target_.rfind('.') == 0 &&
+                              target_.find('/') == std::string::npos;
+    if (target_ == standard_stream || suffix_alone) {
+        place_ = Place::standard_output;
+        return;
+    }
+    struct stat found;
+    if (stat(target_.c_str(), &found) == 0) {
+        if (S_ISDIR(found.st_mode)) fail(std::strerror(EISDIR));
+        if (!S_ISREG(found.st_mode)) place_ = Place::stream;
+    } else if (lstat(target_.c_str(), &found) == 0 && S_ISLNK(found.st_mode)) {
+        fail("a symbolic link that leads to no file");
+    }
+    std::error_code failure;
+    const std::filesystem::path followed = std::filesystem::weakly_canonical(target_, failure);
+    if (place_ == Place::file && !failure) target_ = followed;
+}
+
+void OutputFile::take_kind_of(const VImage& picture) {
+    FileKind kind;
+    if (suffix_given_ || !find_kind_of(picture, kind) || kind.wants_name) return;
+    kind_ = kind;
 }
 
 void OutputFile::fail(const std::string& reason) const {
-    throw Error(Exit::no_output, path_ + ": cannot be written: " + reason);
+    const std::string name = path_ == standard_stream ? "standard output" : path_;
+    throw Error(Exit::no_output, name + ": cannot be written: " + reason);
 }
 
-void OutputFile::commit(const vips::VImage& image) {
+void OutputFile::fail_with_errno() const {
+    fail(std::strerror(errno));
+}
+
+void OutputFile::warn_of_losses(const VImage& image) const {
+    const std::string metadata = lost_metadata(image, kind_, options_, file_.path());
+    if (!kind_.colour) warn(path_ + ": this kind of file holds no colour");
+    if (!metadata.empty()) warn(path_ + ": this kind of file does not keep " + metadata);
+}
+
+void OutputFile::copy_to_stream() const {
+    int descriptor = STDOUT_FILENO;
+    if (place_ == Place::stream) {
+        descriptor = open(target_.c_str(), O_WRONLY | O_CLOEXEC);
+        if (descriptor < 0) fail_with_errno();
+    }
+    const bool written = copy_file(file_.descriptor(), descriptor);
+    const int reason = errno;
+    const bool closed = place_ != Place::stream || close(descriptor) == 0;
+    if (!written) fail(std::strerror(reason));
+    if (!closed) fail_with_errno();
+}
+
+void OutputFile::replace_target() {
+    // Late write errors (quota, network folders) show here, before the old file is replaced.
+    if (fsync(file_.descriptor()) != 0 && errno != EINVAL) fail_with_errno();
+    // Some file systems have no permissions to set.
+    if (chmod(file_.path().c_str(), mode_for(target_)) != 0 && errno != EPERM) fail_with_errno();
+    if (!file_.take_place_of(target_)) fail_with_errno();
+}
+
+void OutputFile::commit(const VImage& image) {
     try {
-        image.write_to_file((pending_path + options_).c_str());
+        save_picture(image, kind_, options_, file_.path());
+        warn_of_losses(image);
     } catch (const vips::VError& error) {
-        fail(shorten(vips_message(error)));
+        const std::string message = vips_message(error);
+        if (is_lack_of_memory(message)) {
+            throw Error(Exit::internal, "not enough memory to write " + path_);
+        }
+        fail(shorten(message, file_.path()));
     }
     refuse_warnings(path_ + ": is not written");
-    // Late write errors (quota, network folders) show here, before the old file is replaced.
-    if (fsync(descriptor_) != 0 && errno != EINVAL) fail(std::strerror(errno));
-    // Some file systems have no permissions to set.
-    if (fchmod(descriptor_, mode_for(target_)) != 0 && errno != EPERM) fail(std::strerror(errno));
-    const SignalsHeld held;
-    if (std::rename(pending_path, target_.c_str()) != 0) fail(std::strerror(errno));
-    pending = 0;
+    if (place_ == Place::file) {
+        replace_target();
+    } else {
+        copy_to_stream();
+    }
 }
 
 }  // namespace tool
