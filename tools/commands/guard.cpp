@@ -4,6 +4,7 @@
 #include <new>
 #include <vips/vips8>
 
+#include "commands/lack_of_memory.h"
 #include "pictures/picture_file.h"
 
 namespace tool {
@@ -12,6 +13,20 @@ namespace {
 constexpr const char* no_memory = "not enough memory";
 
 void ignore_message(const char*, GLogLevelFlags, const char*, void*) {}
+
+// GLib ends the process when it gets no memory or no thread. This comes before it does.
+void end_after_message(const char*, GLogLevelFlags, const char*, void*) {
+    end_without_memory();
+}
+
+void handle_messages() {
+    const int all = G_LOG_LEVEL_MASK;
+    const int fatal = G_LOG_LEVEL_ERROR | G_LOG_FLAG_FATAL | G_LOG_FLAG_RECURSION;
+    g_log_set_handler("VIPS", static_cast<GLogLevelFlags>(all & ~G_LOG_LEVEL_CRITICAL),
+                      ignore_message, nullptr);
+    g_log_set_handler("GModule", static_cast<GLogLevelFlags>(all), ignore_message, nullptr);
+    g_log_set_handler("GLib", static_cast<GLogLevelFlags>(fatal), end_after_message, nullptr);
+}
 
 struct Outcome {
     Exit status;
@@ -53,14 +68,11 @@ Exit run_guarded(const std::function<Exit()>& command) {
 }
 
 bool start_vips() {
+    handle_messages();
     if (VIPS_INIT("imageblend") != 0) {
         complain(Exit::internal, "libvips cannot be started");
         return false;
     }
-    g_log_set_handler("VIPS",
-                      static_cast<GLogLevelFlags>(G_LOG_LEVEL_WARNING | G_LOG_LEVEL_MESSAGE |
-                                                  G_LOG_LEVEL_INFO | G_LOG_LEVEL_DEBUG),
-                      ignore_message, nullptr);
     vips_cache_set_max(0);  // a file that changes is read anew, and pictures are freed early
     apply_reading_rules();
     return true;
