@@ -23,8 +23,8 @@ constexpr const char* version = "imageblend " TEXT_OF(IMAGEBLEND_VERSION_MAJOR) 
 constexpr const char* statuses =
     "Exit status:\n"
     "  0   success; verify: fits with full margins\n"
-    "  1   verify: fits, but a seam may show\n"
-    "  2   the object cannot be placed; the message gives the zoom that fits\n"
+    "  1   verify: fits, but is cut off at the border; with --as-is a seam may show\n"
+    "  2   the object cannot be placed: outside, smaller than a pixel, or with --as-is too large\n"
     "  3   batch: some jobs failed, the others are done\n"
     "  4   a warning under --strict; nothing is written\n"
     "  64  wrong arguments\n"
@@ -36,6 +36,9 @@ constexpr const char* statuses =
 struct Arguments {
     tool::BlendJob job;
     std::string at;  // empty or "X,Y"
+    std::string anchor = "centre";
+    std::string surroundings = "0";
+    bool no_fit = false;
     std::string dump_folder;
     tool::BatchArguments batch;
     tool::WarningRules warnings;
@@ -73,12 +76,31 @@ void add_placement(CLI::App& command, Arguments& arguments) {
         ->required();
     command
         .add_option("--at", arguments.at,
-                    "pixel of the destination for the object's middle (default: its middle)")
+                    "where the object stands in the destination, in pixels or percent (default: in "
+                    "its middle)")
         ->type_name("X,Y");
+    command
+        .add_option("--anchor", arguments.anchor,
+                    "point of the object that stands there: centre, left, right, top or bottom "
+                    "(default: centre)")
+        ->type_name("SIDE");
     tool::PlacementArguments& placement = arguments.job.placement;
     command.add_option("--zoom", placement.zoom, "scale factor (default: 1)")->type_name("Z");
     command.add_option("--angle", placement.angle, "degrees, counter-clockwise (default: 0)")
         ->type_name("DEG");
+    command
+        .add_option("--surroundings", arguments.surroundings,
+                    "pixels of the source that come along around the object, or auto: as many as "
+                    "match (default: 0)")
+        ->type_name("N");
+    command
+        .add_option("--grow", arguments.job.clean.grow,
+                    "move the outline outwards by so many pixels, inwards below 0 (default: 0)")
+        ->type_name("PIXELS");
+    command.add_flag("--no-fit", arguments.no_fit,
+                     "leave the outline where the mask has it, beside the edge or not");
+    command.add_flag("--as-is", arguments.job.as_is,
+                     "hand mask, zoom and angle to the library untouched, as an app may");
 }
 
 struct Commands {
@@ -114,8 +136,9 @@ void define_batch(CLI::App& batch, tool::BatchArguments& arguments) {
         ->check(CLI::Range(1, 1024));
     batch.add_flag("--overwrite", arguments.overwrite, "blend jobs whose output exists, too");
     batch.footer(
-        "Fields of a job: source, destination, output, and if wanted mask, soft (true or false),\n"
-        "at ([X, Y]), zoom and angle, as for blend. Each output is written whole or not at all.\n"
+        "Fields of a job: source, destination, output, and if wanted mask, at ([X, Y],\n"
+        "numbers or strings such as \"50%\"), anchor, zoom, angle, surroundings, grow, fit, as_is\n"
+        "and soft (true or false), as for blend. Each output is written whole or not at all.\n"
         "After an interrupt the jobs at hand are finished; the same command then does the rest.\n\n"
         "Example:\n"
         "  echo '{\"source\": \"dog.png\", \"destination\": \"beach.jpg\", \"output\": "
@@ -146,7 +169,9 @@ Commands define(CLI::App& app, Arguments& arguments) {
     add_object(*commands.verify, arguments.job.object);
     add_placement(*commands.verify, arguments);
     commands.verify->footer(
-        "Exit status: 0 fits, 1 a seam may show, 2 cannot be placed\n\n"
+        "Exit status: 0 fits, 1 is cut off at the border, or with --as-is a seam may show, 2 "
+        "cannot "
+        "be placed\n\n"
         "Example:\n"
         "  imageblend verify dog.jpg beach.jpg --mask dog-mask.png --at 900,640 --angle 15\n");
 
@@ -184,8 +209,12 @@ void check_standard_input(const tool::BlendJob& job) {
 }
 
 tool::Exit dispatch(const Commands& commands, Arguments& arguments) {
-    if (!arguments.at.empty()) arguments.job.placement.at = tool::parse_pixel(arguments.at);
-    const tool::BlendJob& job = arguments.job;
+    tool::BlendJob& job = arguments.job;
+    if (!arguments.at.empty()) job.placement.at = tool::parse_position(arguments.at);
+    job.placement.anchor = tool::parse_anchor(arguments.anchor);
+    job.surroundings = tool::parse_surroundings(arguments.surroundings);
+    job.clean.fit = !arguments.no_fit;
+    tool::check_preparation(job);
     check_standard_input(job);
     if (commands.blend->parsed()) return tool::run_blend(job);
     if (commands.verify->parsed()) return tool::run_verify(job);

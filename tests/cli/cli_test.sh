@@ -4,23 +4,6 @@
 script=$(realpath "$0")
 source "$(dirname "$0")/helpers.sh"
 
-prints() { grep -qF -- "$1" out || fail "no '$1' on standard output"; }
-silent() { [ ! -s err ] || fail "not silent"; }
-
-# near TOLERANCE WHAT FOUND WANTED: two lists of numbers
-near() {
-    awk -v tolerance="$1" -v found="$3" -v wanted="$4" 'BEGIN {
-        far = split(found, f) != split(wanted, w)
-        for (i in w) far = far || (f[i] - w[i])^2 > tolerance^2
-        exit far
-    }' || fail "$2 $3 instead of $4"
-}
-# box_is FILE TOLERANCE LEFT TOP WIDTH HEIGHT: of the pixels above 127
-box_is() {
-    vips extract_band "$1" band.v 0
-    vips relational_const band.v light.v more 127
-    near "$2" "object at" "$(vips find_trim light.v --background 0 --threshold 10 | xargs)" "${*:3}"
-}
 # pixel_is FILE X Y VALUE...: each to 2 steps, for the rounding of the blend and of lossy files.
 pixel_is() { near 2 "pixel $2,$3" "$(vips getpoint "$1" "$2" "$3")" "${*:4}"; }
 at_least() { [ "$(vips min "$1" | cut -d. -f1)" -ge "$2" ] || fail "darker than $2"; }
@@ -41,7 +24,7 @@ arguments() {
     run 64 blendd white.png && says "blendd: no such command; there are blend verify"
     run 64 blend white.png black.png
     for bad in "--zoom nan" "--zoom inf" "--zoom 0" "--zoom -1" "--zoom 1e60" "--zoom 1e-60" \
-        "--angle nan" "--at 5" "--at 1,2,3" "--at 1,x" "--at 99999999999,1"; do
+        "--angle nan" "--at 5" "--at 1,2,3" "--at 1,x" "--at 1.5,2" "--at 1%,nan%" "--at 99999999999,1"; do
         run 64 blend white.png black.png o.png --mask bar.png $bad && says "${bad%% *}"
     done
     run 64 blend white.png black.png o.xyz --mask bar.png && says "o.xyz"
@@ -95,28 +78,40 @@ objects() {
     vips linear bar.png faint.png 0.35 1 --uchar
     run 65 size faint.png && says "128"
     run 0 size faint.png --soft && prints "400 300"
+    # A soft cut-out keeps its alpha, and its edge nothing of what was behind.
+    vips gaussblur bar.png soft.png 3
+    vips linear soft.png half.v 0.6 100 && vips cast half.v half.png uchar
+    vips bandjoin "half.png half.png half.png" joined.v && vips copy joined.v mixed.png --interpretation srgb
+    run 0 cutout mixed.png o.png --mask soft.png --soft
+    local middle
+    middle=$(($(vipsheader -f height o.png) / 2))
+    for x in 5 6 7 8 9 10; do
+        [ "$(vips getpoint o.png $x $middle | awk '{ print ($4 > 60 && ($1 - 253)^2 > 400) }')" = 0 ] ||
+            fail "the edge shows what was behind"
+    done
 }
 
-# Where the object stands, whatever the frames look like that the library is given.
+# Where the object stands: its middle, at odd and even sizes alike, or a side of it.
 places() {
     local blend=(blend white.png black.png o.png)
     run 0 "${blend[@]}" --mask bar.png && silent && box_is o.png 0 240 170 120 60
-    run 0 "${blend[@]}" --mask bar.png --at 200,150 --zoom 2 && box_is o.png 2 80 90 240 120
+    run 0 "${blend[@]}" --mask bar.png --at 200,150 --zoom 2 && box_is o.png 1 80 90 240 120
     run 0 "${blend[@]}" --mask large.png --at 150,120 --zoom 0.5 && box_is o.png 1 55 70 190 100
-    # At borders the object moves inwards, as far as the margin of 8 pixels and one more.
-    run 0 "${blend[@]}" --mask bar.png --at 50,390 && box_is o.png 0 9 331 120 60
-    says "seam may show at the left and bottom"
-    says "by 19 pixels to the right and 29 pixels up"
-    # An object that nearly fills its frame has short margins, and stands right all the same.
-    flat small.png 400 240 0 3
-    run 0 blend white.png small.png o.png --mask large.png --at 120,100 --zoom 0.25
-    box_is o.png 1 72 75 95 50
+    run 0 "${blend[@]}" --mask bar.png --at 50%,80% && box_is o.png 0 240 290 120 60
+    rectangle odd.png 400 300 40 30 121 61
+    run 0 "${blend[@]}" --mask odd.png --at 200,150 && box_is o.png 0.5 139.5 119.5 121 61
+    local side
+    for side in "centre 240 170" "left 300 170" "right 180 170" "top 240 200" "bottom 240 140"; do
+        set -- $side
+        run 0 "${blend[@]}" --mask bar.png --anchor "$1" && box_is o.png 0 "$2" "$3" 120 60
+    done
     # A quarter turn; then a hook, "_|", that turns its corner far to the right of its middle.
     run 0 "${blend[@]}" --mask bar.png --angle 90 && box_is o.png 1 270 140 60 120
+    run 0 "${blend[@]}" --mask bar.png --angle 90 --anchor bottom && box_is o.png 1 270 80 60 120
     rectangle upright.png 400 300 260 80 40 200
     rectangle foot.png 400 300 100 240 200 40
     vips boolean upright.png foot.png hook.png or
-    run 0 "${blend[@]}" --mask hook.png --angle 45 && box_is o.png 22 271 59 170 283
+    run 0 "${blend[@]}" --mask hook.png --angle 45 && box_is o.png 2 271 59 170 283
     # The output may replace an input and keeps the kind of file behind a link.
     cp black.png same.png && ln -s same.png link.png
     run 0 blend white.png same.png link.png --mask bar.png && box_is same.png 0 240 170 120 60
@@ -124,32 +119,58 @@ places() {
     no_leftovers
 }
 
-# The object is larger than the destination, so the tool scales it.
-sizes() {
-    flat small.png 200 150 0 3
-    run 0 blend white.png small.png o.png --mask large.png --zoom 0.25
-    says "scaled by 0.25" && box_is o.png 1 52 50 95 50
-    local command limit
-    for command in "verify white.png small.png" "blend white.png small.png o.png"; do
-        run 2 $command --mask large.png --angle 10
-        limit=$(cat out err | sed -n 's/.*largest zoom that fits is //p')
-        "$tool" $command --mask large.png --angle 10 --zoom "$limit" >out 2>err
-        [ $? -le 1 ] || fail "the zoom $limit should fit: $command"
-        run 2 $command --mask large.png --angle 10 --zoom "$(awk "BEGIN { print $limit * 1.02 }")"
-    done
-    run 2 blend white.png black.png o.png --mask bar.png --zoom 1e30
-    says "largest zoom that fits is 4.4"
+# Across the border, larger than the destination, and where nothing would show.
+borders() {
+    local blend=(blend white.png black.png o.png --mask bar.png) bad
+    run 0 "${blend[@]}" --at 50,390 && silent && box_is o.png 0 0 360 110 40
+    run 0 "${blend[@]}" --at 0%,0% --zoom 30 && box_is o.png 0 0 0 600 400
+    run 0 "${blend[@]}" --at 100%,100% --anchor bottom && box_is o.png 0 540 340 60 60
     flat dot.png 2 2 0 3
-    run 2 blend white.png dot.png o.png --mask bar.png && says "nothing is left"
+    run 0 blend white.png dot.png o.png --mask bar.png && at_least o.png 254
+    for bad in "--zoom 0.001" "--at 5300,200" "--at 300,-90 --angle 10"; do
+        rm -f o.png; run 2 "${blend[@]}" $bad && says "${bad%% *}"
+        [ ! -e o.png ] || fail "an output without the object"
+        run 2 verify white.png black.png --mask bar.png $bad
+    done
+    run 0 verify white.png black.png --mask bar.png && prints "fits"
+    run 1 verify white.png black.png --mask bar.png --at 599,0
+    prints "cut off at the right and top"
 }
 
-verdicts() {
-    local verify=(verify white.png black.png --mask bar.png)
-    run 0 "${verify[@]}" && prints "fits with full margins"
-    run 1 "${verify[@]}" --at 60,200 && prints "seam at the left"
-    run 1 "${verify[@]}" --at 599,0 && prints "seam at the right and top"
-    run 1 "${verify[@]}" --at 300,399 && prints "seam at the bottom"
+# A wide mask is taken back to the edge, its surroundings left behind, and nothing else changes.
+preparation() {
+    vips gaussnoise noise.v 400 300 --mean 100 --sigma 6 --seed 1
+    vips linear bar.png bar.v 0.5 0
+    vips add noise.v bar.v sum.v && vips cast sum.v grey.v uchar
+    vips bandjoin "grey.v grey.v grey.v" joined.v && vips copy joined.v photo.png --interpretation srgb
+    rectangle wide.png 400 300 34 24 132 72
+    vips gaussnoise ground.v 600 400 --mean 40 --sigma 9 --seed 2 && vips cast ground.v ground.png uchar
+    vips bandjoin "ground.png ground.png ground.png" joined.v
+    vips copy joined.v ground.png --interpretation srgb
+    run 0 blend photo.png ground.png o.png --mask wide.png && silent && box_is o.png 0 240 170 120 60
+    unchanged 238 168 124 64
+    run 0 blend photo.png ground.png o.png --mask wide.png --no-fit && unchanged 233 163 134 74
+    pixel_near o.png 237 200 100
+    run 0 blend photo.png ground.png o.png --mask wide.png --grow 4 && unchanged 234 164 132 72
+    run 0 blend photo.png ground.png o.png --mask bar.png --surroundings 20
+    unchanged 219 149 162 102 && pixel_near o.png 236 200 40
+    # A ghost is what a cut-out's brightness would give as a mask.
+    run 0 blend photo.png ground.png o.png --mask cut.png && box_is o.png 0 240 170 120 60
+    run 64 blend photo.png ground.png o.png --mask wide.png --as-is --grow 1 && says "--as-is"
+    for bad in "--grow 17" "--grow nan" "--surroundings 257" "--surroundings x" "--anchor up"; do
+        run 64 blend photo.png ground.png o.png --mask wide.png $bad && says "${bad%% *}"
+    done
 }
+# unchanged LEFT TOP WIDTH HEIGHT: outside of this box o.png has the bytes of ground.png
+unchanged() {
+    vips relational o.png ground.png differs.v noteq
+    vips bandbool differs.v any.v or
+    read -r left top width height < <(vips find_trim any.v --background 0 --threshold 10 | xargs)
+    [ "$left" -ge "$1" ] && [ "$top" -ge "$2" ] && [ $((left + width)) -le $(($1 + $3)) ] &&
+        [ $((top + height)) -le $(($2 + $4)) ] || fail "changed at $left $top $width $height"
+}
+# pixel_near FILE X Y VALUE: within the noise of the pictures
+pixel_near() { near 36 "pixel $2,$3" "$(vips getpoint "$1" "$2" "$3" | cut -d' ' -f1)" "$4"; }
 
 # White on white stays white: nothing dark comes in from beyond the source or from transparent pixels.
 surroundings() {
@@ -161,8 +182,6 @@ surroundings() {
     vips bandjoin "colour.png bar.png" dark.png
     run 0 blend dark.png wide.png o.png && at_least o.png 254
     run 0 blend dark.png wide.png o.png --zoom 1.5 --angle 30 && at_least o.png 254
-    flat narrow.png 110 100 255 3
-    run 0 blend dark.png narrow.png o.png --zoom 0.8 && says "scaled" && at_least o.png 253
 }
 
 orientations() {
@@ -180,4 +199,4 @@ orientations() {
     [ "$(size o.png)" = 300x400 ] || fail "the orientation of a destination is ignored"
 }
 
-groups arguments completion files objects places sizes verdicts surroundings orientations
+groups arguments completion files objects places borders preparation surroundings orientations

@@ -22,8 +22,8 @@ shows() {
 
 # A box of 120 x 60 has margins of 8 pixels; with them it has two levels below the full size.
 planes() {
-    run 0 blend noise.png ground.png blended.png --mask bar.png
-    run 0 explain noise.png ground.png stages.png --mask bar.png --dump planes/all
+    run 0 blend noise.png ground.png blended.png --mask bar.png --as-is
+    run 0 explain noise.png ground.png stages.png --mask bar.png --as-is --dump planes/all
     [ ! -s out ] && [ ! -s err ] || fail "not silent"
     vips extract_area blended.png place.png 232 162 136 76
     cd planes/all || return
@@ -50,7 +50,7 @@ picture() {
     [[ $(size stages.png) == 1600x* ]] || fail "width of the picture"
     shows stages.png 255 205 40 || fail "the box is not drawn"
     ! shows stages.png 255 60 60 || fail "a seam is drawn that is not there"
-    run 0 explain noise.png ground.png stages.png --mask bar.png --at 570,200
+    run 0 explain noise.png ground.png stages.png --mask bar.png --at 570,200 --as-is
     says "seam may show at the right"
     shows stages.png 255 60 60 || fail "the seam is not drawn"
 }
@@ -60,19 +60,25 @@ geometries() {
     local options
     for options in "--zoom 0.1" "--zoom 0.26" "--zoom 0.5 --at 5,399" "--zoom 2.5 --angle 30" \
         "--angle -90 --at 599,0" "--zoom 1.7 --at 0,0 --soft" "--angle 360"; do
+        run 0 explain noise.png ground.png stages.png --mask bar.png --as-is $options
+    done
+    # Prepared: alone, across the border, with surroundings, larger than the destination.
+    for options in "--zoom 0.26 --angle 12" "--at 5,399" "--surroundings 12" "--zoom 9"; do
         run 0 explain noise.png ground.png stages.png --mask bar.png $options
+        shows stages.png 60 220 90 || fail "no outline is drawn"
     done
     flat whole.png 400 300 255 1
-    run 0 explain noise.png ground.png stages.png --mask whole.png
+    run 0 explain noise.png ground.png stages.png --mask whole.png --as-is
     rectangle tall.png 400 300 180 2 16 296
     flat low.png 400 310 60 3
-    run 0 explain noise.png low.png stages.png --mask tall.png
+    run 0 explain noise.png low.png stages.png --mask tall.png --as-is
 }
 
 mistakes() {
     rm -f stages.png
-    run 2 explain noise.png ground.png stages.png --mask bar.png --zoom 9 && says "largest zoom"
-    run 2 explain noise.png ground.png stages.png --mask bar.png --zoom 0.001 && says "nothing"
+    run 2 explain noise.png ground.png stages.png --mask bar.png --zoom 9 --as-is
+    says "largest zoom"
+    run 2 explain noise.png ground.png stages.png --mask bar.png --zoom 0.001 && says "smaller than a pixel"
     run 73 explain noise.png ground.png stages.png --mask bar.png --dump bar.png/x
     says "bar.png/x"
     [ ! -e stages.png ] || fail "a picture is written in spite of a failure"

@@ -49,6 +49,24 @@ rectangle() {
     vips embed rectangle.v "$1" "$4" "$5" "$2" "$3"
 }
 
+prints() { grep -qF -- "$1" out || fail "no '$1' on standard output"; }
+silent() { [ ! -s err ] || fail "not silent"; }
+
+# near TOLERANCE WHAT FOUND WANTED: two lists of numbers
+near() {
+    awk -v tolerance="$1" -v found="$3" -v wanted="$4" 'BEGIN {
+        far = split(found, f) != split(wanted, w)
+        for (i in w) far = far || (f[i] - w[i])^2 > tolerance^2
+        exit far
+    }' || fail "$2 $3 instead of $4"
+}
+# box_is FILE TOLERANCE LEFT TOP WIDTH HEIGHT: of the pixels above 127
+box_is() {
+    vips extract_band "$1" band.v 0
+    vips relational_const band.v light.v more 127
+    near "$2" "object at" "$(vips find_trim light.v --background 0 --threshold 10 | xargs)" "${*:3}"
+}
+
 # groups NAME...: runs the functions of these names and ends the test.
 groups() {
     for group in "$@"; do

@@ -38,20 +38,33 @@ double read_number(const std::string& field, const json& value) {
     return value.get<double>();
 }
 
-int read_coordinate(const std::string& field, const json& value) {
-    if (!value.is_number_integer()) fail_type(field, "two whole numbers, [X, Y]", value);
-    const double number = value.get<double>();
-    if (std::abs(number) > std::numeric_limits<int>::max()) {
-        fail(field + ": " + value.dump() + " is out of range");
+constexpr const char* position_form =
+    "two whole numbers or percentages, [X, Y] or [\"X%\", \"Y%\"]";
+
+Coordinate read_coordinate(const std::string& field, const json& value) {
+    if (!value.is_number_integer() && !value.is_string()) fail_type(field, position_form, value);
+    try {
+        return parse_coordinate(value.is_string() ? value.get<std::string>() : value.dump());
+    } catch (const Error& error) {
+        fail(field + ": " + error.what());
     }
-    return value.get<int>();
 }
 
-Pixel read_pixel(const std::string& field, const json& value) {
-    if (!value.is_array() || value.size() != 2) {
-        fail_type(field, "two whole numbers, [X, Y]", value);
-    }
+Position read_position(const std::string& field, const json& value) {
+    if (!value.is_array() || value.size() != 2) fail_type(field, position_form, value);
     return {read_coordinate(field, value[0]), read_coordinate(field, value[1])};
+}
+
+std::string read_word(const std::string& field, const json& value) {
+    if (!value.is_string()) fail_type(field, "a string", value);
+    return value.get<std::string>();
+}
+
+int read_surroundings(const std::string& field, const json& value) {
+    if (!value.is_string() && !value.is_number_integer()) {
+        fail_type(field, "a whole number or \"auto\"", value);
+    }
+    return parse_surroundings(value.is_string() ? value.get<std::string>() : value.dump());
 }
 
 void read_field(BlendJob& job, const std::string& field, const json& value) {
@@ -66,15 +79,25 @@ void read_field(BlendJob& job, const std::string& field, const json& value) {
     } else if (field == "output") {
         job.output = read_path(field, value);
     } else if (field == "at") {
-        job.placement.at = read_pixel(field, value);
+        job.placement.at = read_position(field, value);
     } else if (field == "zoom") {
         job.placement.zoom = read_number(field, value);
     } else if (field == "angle") {
         job.placement.angle = read_number(field, value);
+    } else if (field == "anchor") {
+        job.placement.anchor = parse_anchor(read_word(field, value));
+    } else if (field == "surroundings") {
+        job.surroundings = read_surroundings(field, value);
+    } else if (field == "grow") {
+        job.clean.grow = read_number(field, value);
+    } else if (field == "fit") {
+        job.clean.fit = read_flag(field, value);
+    } else if (field == "as_is") {
+        job.as_is = read_flag(field, value);
     } else {
         fail(field +
-             ": no such field; known are source, destination, output, mask, soft, at, zoom "
-             "and angle");
+             ": no such field; known are source, destination, output, mask, soft, at, "
+             "anchor, zoom, angle, surroundings, grow, fit and as_is");
     }
 }
 
@@ -107,17 +130,18 @@ json parse_object(const std::string& line) {
 BlendJob parse_job(const std::string& line) {
     BlendJob job;
     const json object = parse_object(line);
-    for (const auto& [field, value] : object.items())
-        read_field(job, field, value);
+    try {
+        for (const auto& [field, value] : object.items())
+            read_field(job, field, value);
+        place(job.placement, {1, 1});
+        check_preparation(job);
+    } catch (const Error& error) {
+        const std::string message = error.what();  // may name an option, "--zoom"
+        fail(message.substr(message.find_first_not_of('-')));
+    }
     if (job.object.source.empty()) fail("source: is missing");
     if (job.destination.empty()) fail("destination: is missing");
     if (job.output.empty()) fail("output: is missing");
-    try {
-        place(job.placement, {1, 1});
-    } catch (const Error& error) {
-        const std::string message = error.what();  // names the option, "--zoom"
-        fail(message.substr(message.find_first_not_of('-')));
-    }
     return job;
 }
 

@@ -1,22 +1,44 @@
-#include "commands/blend_steps.h"
+#include "commands/bare_blend.h"
+#include "commands/prepared_blend.h"
 #include "pictures/output_file.h"
 
 namespace tool {
+namespace {
+
+using vips::VImage;
+
+VImage blend_as_is(const BlendJob& job, const Photo& photo) {
+    const VImage& destination = photo.pixels;
+    const Placement placement = place(job.placement, size_of(destination));
+    const BareBlend blend = plan_bare_blend(
+        load_object(job.object, Wanted::mask_and_picture, photo), placement, size_of(destination));
+    const Frame canvas = colour_frame(destination);
+    blend_bare(blend, icon_frame(blend.framed, blend.object.picture), canvas, canvas);
+    warn_of_placement(job, blend);
+    return frame_picture(canvas, destination.has_alpha()).copy_memory();
+}
+
+VImage blend_after_preparation(const BlendJob& job, const Photo& photo) {
+    PreparedBlend blend = prepare_blend(job, photo);
+    blend_prepared(blend);
+    for (const std::string& remark : remarks(blend))
+        warn(job.output + ": " + remark);
+    return blended_picture(blend, photo.pixels);
+}
+
+}  // namespace
 
 Exit run_blend(const BlendJob& job) {
     OutputFile output(job.output);
-    const PreparedBlend blend = prepare_blend(job);
-    output.take_kind_of(blend.destination);
-    const Frame canvas = colour_frame(blend.destination);
-    blend_frames(blend, canvas, canvas);
-    report_placement(job, blend);
-
-    const bool with_alpha = blend.destination.has_alpha() && output.keeps_alpha();
-    if (blend.destination.has_alpha() && !with_alpha) {
+    const Photo photo = load_destination(job.destination);
+    output.take_kind_of(photo.pixels);
+    VImage result = job.as_is ? blend_as_is(job, photo) : blend_after_preparation(job, photo);
+    if (result.has_alpha() && !output.keeps_alpha()) {
         warn(job.output + ": this kind of file holds no alpha channel; that of " + job.destination +
              " is left out");
+        result = result.extract_band(0, VImage::option()->set("n", 3));
     }
-    output.commit(with_metadata(frame_picture(canvas, with_alpha), blend.photo));
+    output.commit(with_metadata(result, photo));
     return Exit::success;
 }
 

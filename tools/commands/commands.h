@@ -4,8 +4,8 @@
 
 #include <string>
 
+#include "pictures/clean_object.h"
 #include "pictures/errors.h"
-#include "pictures/object.h"
 #include "pictures/placement.h"
 
 namespace tool {
@@ -15,7 +15,15 @@ struct BlendJob {
     std::string destination;
     std::string output;
     PlacementArguments placement;
+    CleanArguments clean;
+    int surroundings = 0;  // pixels, or IMAGEBLEND_SURROUNDINGS_AUTO
+    bool as_is = false;    // mask, zoom and angle go to the library untouched
 };
+// A number of pixels, or "auto".
+int parse_surroundings(const std::string& text);
+// Fails for numbers out of range and for options that exclude each other.
+void check_preparation(const BlendJob& job);
+
 Exit run_blend(const BlendJob& job);
 
 // Draws the stages of a blend as one picture. With a folder, their planes are written there too.

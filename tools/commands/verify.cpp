@@ -1,26 +1,41 @@
 #include <cstdio>
 
-#include "commands/commands.h"
+#include "commands/bare_blend.h"
+#include "commands/prepared_blend.h"
 
 namespace tool {
+namespace {
 
-Exit run_verify(const BlendJob& job) {
+Exit verify_as_is(const BlendJob& job) {
     const Size destination = picture_size(job.destination);
-    const Placement placement = place(job.placement, destination);
-    const Object object = load_object(job.object, Wanted::mask);
-    const FramedObject framed = fit_object(object, destination, placement.zoom, placement.angle);
-    const Frame mask = mask_frame(framed);
-    const Verdict verdict = verify(mask, placement, framed.zoom);
-    if (!verdict.fits) {
+    const BareBlend blend = plan_bare_blend(load_object(job.object, Wanted::mask),
+                                            place(job.placement, destination), destination);
+    if (!blend.plan->check.fits) {
         std::printf("does not fit: the largest zoom that fits is %s\n",
-                    largest_zoom(mask, placement, framed.scale).c_str());
+                    largest_zoom(blend).c_str());
         return Exit::cannot_place;
     }
-    if (!verdict.seams.empty()) {
-        std::printf("fits, with a seam at the %s\n", list(verdict.seams).c_str());
+    const std::vector<std::string> seams = seams_of(blend);
+    if (!seams.empty()) {
+        std::printf("fits, with a seam at the %s\n", list(seams).c_str());
         return Exit::seams;
     }
     std::puts("fits with full margins");
+    return Exit::success;
+}
+
+}  // namespace
+
+Exit run_verify(const BlendJob& job) {
+    if (job.as_is) return verify_as_is(job);
+    const PreparedBlend blend = prepare_blend(job, load_destination(job.destination));
+    for (const std::string& remark : remarks(blend))
+        warn(remark);
+    if (!blend.layer.cut.empty()) {
+        std::printf("fits, cut off at the %s\n", list(blend.layer.cut).c_str());
+        return Exit::seams;
+    }
+    std::puts("fits");
     return Exit::success;
 }
 

@@ -11,16 +11,21 @@ _imageblend() {
             'blend verify size cutout explain batch --help --version' -- "$word")
         return
     fi
+    local placing='--mask --soft --at --anchor --zoom --angle --surroundings --grow --no-fit --as-is'
     case $command in
-        blend | verify) options='--mask --soft --at --zoom --angle --help' ;;
-        explain) options='--mask --soft --at --zoom --angle --dump --help' ;;
+        blend | verify) options="$placing --help" ;;
+        explain) options="$placing --dump --help" ;;
         size | cutout) options='--mask --soft --help' ;;
         batch) options='--jobs --overwrite --help' ;;
         *) return ;;
     esac
     options+=' --strict --quiet --any-format --max-pixels'
     case $before in
-        --at | --zoom | --angle | --jobs | --max-pixels) return ;; # a number of the user's
+        --anchor)
+            mapfile -t COMPREPLY < <(compgen -W 'centre left right top bottom' -- "$word")
+            return
+            ;;
+        --at | --surroundings | --grow | --zoom | --angle | --jobs | --max-pixels) return ;; # a number of the user's
         --dump) kind=directory ;;
     esac
     if [[ $word == -* && $before != --mask && $before != --dump ]]; then

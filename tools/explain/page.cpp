@@ -41,6 +41,23 @@ VImage text_shape(const std::string& text, const char* font, int wrap) {
 
 }  // namespace
 
+std::string file_name(const std::string& path) {
+    constexpr long longest = 32;
+    char* const whole = g_filename_display_basename(path.c_str());
+    const bool fits = g_utf8_strlen(whole, -1) <= longest;
+    char* const part = g_utf8_substring(whole, 0, fits ? g_utf8_strlen(whole, -1) : longest - 1);
+    std::string name = std::string(part) + (fits ? "" : "…");
+    g_free(part);
+    g_free(whole);
+    return name;
+}
+
+VImage draw_outline(const VImage& picture, const VImage& mask, const Ink& ink) {
+    const VImage inside = mask.extract_band(0) >= 128.0;
+    const VImage edge = inside.rank(3, 3, 8) - inside.rank(3, 3, 0);
+    return edge.ifthenelse(ink, picture).cast(VIPS_FORMAT_UCHAR).copy_memory();
+}
+
 VImage image_of(const Plane& plane) {
     // Only read.
     const VImage image =

@@ -15,6 +15,15 @@ using Ink = std::vector<double>;  // red, green, blue
 const Ink black_ink{25, 25, 25};
 const Ink grey_ink{105, 105, 105};
 
+constexpr int page_width = 1600;
+constexpr int gap = 24;
+constexpr int caption_height = 22;
+constexpr const char* head_font = "sans bold 12";
+constexpr const char* text_font = "sans 10";
+
+// The name of a file as readable text, the end of a long one left out.
+std::string file_name(const std::string& path);
+
 // Colour pictures of a plane: its last three channels, or its mask in grey.
 vips::VImage image_of(const Plane& plane);
 
@@ -29,6 +38,9 @@ void draw_box(const vips::VImage& image, const Rectangle& box, const Ink& ink);
 void draw_side(const vips::VImage& image, const Rectangle& box, const std::string& side,
                const Ink& ink);
 void draw_cross(const vips::VImage& image, int x, int y, const Ink& ink);
+
+// Draws the edge of a mask of the picture's size, where it passes 128.
+vips::VImage draw_outline(const vips::VImage& picture, const vips::VImage& mask, const Ink& ink);
 
 class Page {
   public:

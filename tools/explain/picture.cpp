@@ -3,40 +3,23 @@
 #include <algorithm>
 #include <cmath>
 
-#include "explain/page.h"
+#include "pictures/errors.h"
 
 namespace tool {
 namespace {
 
 using vips::VImage;
 
-constexpr int page_width = 1600;
-constexpr int gap = 24;
 constexpr int half_width = (page_width - 3 * gap) / 2;
 constexpr int label_width = 190;
-constexpr int caption_height = 22;
 
 constexpr const char* title_font = "sans bold 17";
-constexpr const char* head_font = "sans bold 12";
-constexpr const char* text_font = "sans 10";
 
 const Ink object_ink{60, 220, 90};
 const Ink box_ink{255, 205, 40};
 const Ink seam_ink{255, 60, 60};
 const Ink outline_ink{70, 200, 255};
 const Ink place_ink{255, 110, 255};
-
-// The name of a file as readable text, the end of a long one left out.
-std::string file_name(const std::string& path) {
-    constexpr long longest = 32;
-    char* const whole = g_filename_display_basename(path.c_str());
-    const bool fits = g_utf8_strlen(whole, -1) <= longest;
-    char* const part = g_utf8_substring(whole, 0, fits ? g_utf8_strlen(whole, -1) : longest - 1);
-    std::string name = std::string(part) + (fits ? "" : "…");
-    g_free(part);
-    g_free(whole);
-    return name;
-}
 
 Rectangle scaled(const Rectangle& box, double factor) {
     const auto at = [&](int position) { return static_cast<int>(std::lround(position * factor)); };
@@ -61,13 +44,6 @@ Half start_half(Page& page, int left, int top, const std::string& title, const V
             scale_to(picture, size)};
 }
 
-// The edge of the mask in the source frame.
-VImage draw_outline(const VImage& picture, const VImage& mask) {
-    const VImage inside = mask.extract_band(0) >= 128.0;
-    const VImage edge = inside.rank(3, 3, 8) - inside.rank(3, 3, 0);
-    return edge.ifthenelse(outline_ink, picture).cast(VIPS_FORMAT_UCHAR).copy_memory();
-}
-
 // Sides of the box at which the margin is short. A turned box stands a pixel or two beside the
 // object's middle, which is no lack of room.
 std::vector<std::string> short_margins(const BlendStages& stages, bool turned) {
@@ -86,29 +62,26 @@ std::string size_text(const Rectangle& box) {
     return text(Size{box.width, box.height});
 }
 
-int add_source(Page& page, int top, const BlendJob& job, const PreparedBlend& blend,
+int add_source(Page& page, int top, int number, const BlendFacts& facts,
                const BlendStages& stages) {
-    const std::string turned = blend.placement.angle == 0.0F
-                                   ? ""
-                                   : ", turned by " + short_text(blend.placement.angle) + "°";
-    const std::string shrunk =
-        blend.framed.scale == 1.0 ? "" : ", scaled by " + short_text(blend.framed.scale);
-    const Half half = start_half(page, gap, top,
-                                 "1  Source: " + file_name(job.object.source) + shrunk +
-                                     " in a frame of " + text(blend.framed.frame) + turned,
-                                 image_of(stages.source));
+    const VImage source = image_of(stages.source);
+    const Half half =
+        start_half(page, gap, top,
+                   std::to_string(number) + "  Source: " + file_name(facts.source) +
+                       facts.source_remark + " in a frame of " + text(size_of(source)),
+                   source);
     const VImage mask = scale_to(image_of(stages.source_mask), size_of(half.picture));
-    const VImage picture = draw_outline(half.picture, mask);
+    const VImage picture = draw_outline(half.picture, mask, outline_ink);
     const Rectangle box = scaled(stages.box, half.factor);
     draw_box(picture, scaled(stages.object, half.factor), object_ink);
     draw_box(picture, box, box_ink);
-    const std::vector<std::string> sides = short_margins(stages, blend.placement.angle != 0.0F);
+    const std::vector<std::string> sides = short_margins(stages, facts.turned);
     for (const std::string& side : sides)
         draw_side(picture, box, side, seam_ink);
 
     const int below = page.put(picture, gap, half.top) + 8;
     int x = page.write_key("edge of the mask", gap, below, outline_ink);
-    x = page.write_key("object's box, " + size_text(stages.object), x, below, object_ink);
+    x = page.write_key("mask's box, " + size_text(stages.object), x, below, object_ink);
     page.write_key(
         "with margins of " + std::to_string(stages.margin) + ", " + size_text(stages.box), x, below,
         box_ink);
@@ -119,49 +92,39 @@ int add_source(Page& page, int top, const BlendJob& job, const PreparedBlend& bl
     return below + 2 * caption_height;
 }
 
-std::string verdict_text(const Verdict& verdict) {
-    if (!verdict.fits) return "the turned object nearly fills the destination: a seam may show";
-    if (verdict.seams.empty()) return "fits with full margins";
-    return "fits, but a seam may show at the " + list(verdict.seams);
-}
-
-int add_destination(Page& page, int top, const BlendJob& job, const PreparedBlend& blend,
-                    const BlendStages& stages, const VImage& destination) {
+int add_destination(Page& page, int top, int number, const BlendFacts& facts,
+                    const BlendPictures& pictures) {
+    const BlendStages& stages = pictures.stages;
+    const VImage destination = frame_picture(pictures.destination, false);
     const int left = 2 * gap + half_width;
-    const Half half = start_half(
-        page, left, top,
-        "2  Destination: " + file_name(job.destination) + ", " + text(size_of(destination)),
-        destination);
+    const Half half =
+        start_half(page, left, top,
+                   std::to_string(number) + "  Destination: " + file_name(facts.destination) +
+                       ", a frame of " + text(size_of(destination)),
+                   destination);
     const Rectangle place = scaled(stages.place, half.factor);
     // The object's part of the box, at the zoom that the box got.
-    const double zoom = blend.framed.zoom;
     const Rectangle inner =
         scaled({stages.object.left - stages.box.left, stages.object.top - stages.box.top,
                 stages.object.width, stages.object.height},
-               half.factor * zoom);
+               half.factor * facts.zoom);
     draw_box(half.picture,
              {place.left + inner.left, place.top + inner.top, inner.width, inner.height},
              object_ink);
     draw_box(half.picture, place, box_ink);
-    for (const std::string& side : blend.verdict.seams)
+    for (const std::string& side : facts.seams)
         draw_side(half.picture, place, side, seam_ink);
-    const Pixel centre = blend.placement.centre;
-    draw_cross(half.picture, static_cast<int>(std::lround(centre.x * half.factor)),
-               static_cast<int>(std::lround(centre.y * half.factor)), place_ink);
+    draw_cross(half.picture, static_cast<int>(std::lround(facts.asked.x * half.factor)),
+               static_cast<int>(std::lround(facts.asked.y * half.factor)), place_ink);
 
     const int below = page.put(half.picture, left, half.top) + 8;
-    int x =
-        page.write_key("asked for: " + std::to_string(centre.x) + "," + std::to_string(centre.y),
-                       left, below, place_ink);
-    x = page.write_key("object", x, below, object_ink);
+    int x = page.write_key("asked for: " + text(facts.placement.at), left, below, place_ink);
+    x = page.write_key("mask", x, below, object_ink);
     page.write_key("blended rectangle, " + size_text(stages.place) + " at " +
                        std::to_string(stages.place.left) + "," + std::to_string(stages.place.top),
                    x, below, box_ink);
-    const bool good = blend.verdict.fits && blend.verdict.seams.empty();
-    const std::string moves = moves_text(blend.geometry);
-    page.write_key("verdict: " + verdict_text(blend.verdict) +
-                       (moves.empty() ? "" : "; moved inwards by " + moves),
-                   left, below + caption_height, good ? object_ink : seam_ink);
+    page.write_key("verdict: " + facts.verdict, left, below + caption_height,
+                   facts.good ? object_ink : seam_ink);
     return below + 2 * caption_height;
 }
 
@@ -194,13 +157,14 @@ std::string gain_text(double gain) {
     return digits;
 }
 
-int add_levels(Page& page, int top, const BlendStages& stages) {
+int add_levels(Page& page, int top, int number, const BlendStages& stages) {
     const int count = static_cast<int>(stages.levels.size());
-    page.write(count == 1 ? "3  Too small for a pyramid: the pictures are mixed by the mask alone"
-                          : "3  Pyramids: " + std::to_string(count - 1) +
-                                (count == 2 ? " level" : " levels") +
-                                " below the full size, enlarged here to one size",
-               gap, top, black_ink, head_font);
+    const std::string title =
+        count == 1
+            ? "Too small for a pyramid: the pictures are mixed by the mask alone"
+            : "Pyramids: " + std::to_string(count - 1) + (count == 2 ? " level" : " levels") +
+                  " below the full size, enlarged here to one size";
+    page.write(std::to_string(number) + "  " + title, gap, top, black_ink, head_font);
     top += caption_height + 4;
     const Plane& finest = stages.levels[0].mask;
     const int column = (page_width - 2 * gap - label_width) / std::max(count, 4);
@@ -237,42 +201,44 @@ Rectangle surroundings(const Rectangle& place, const Size& frame) {
     return {left, top, right - left, bottom - top};
 }
 
-int add_results(Page& page, int top, const BlendStages& stages, const VImage& output) {
+void add_results(Page& page, int top, int number, const BlendPictures& pictures) {
+    const BlendStages& stages = pictures.stages;
+    const VImage output = frame_picture(pictures.output, false);
     const Rectangle area = surroundings(stages.place, size_of(output));
     const auto cut = [&](const VImage& image) {
         return image.extract_area(area.left, area.top, area.width, area.height);
     };
     const int right = 2 * gap + half_width;
     const int height = 640;
-    const Half pasted = start_half(page, gap, top, "4  A plain paste under the mask",
-                                   cut(image_of(stages.paste)), height);
-    const Half blended = start_half(page, right, top, "5  The blended result", cut(output), height);
+    const Half pasted =
+        start_half(page, gap, top, std::to_string(number) + "  A plain paste under the mask",
+                   cut(image_of(stages.paste)), height);
+    const Half blended = start_half(
+        page, right, top, std::to_string(number + 1) + "  The blended result", cut(output), height);
     const int below = page.put(pasted.picture, pasted.left, pasted.top) + 8;
     page.put(blended.picture, blended.left, blended.top);
     page.write_key("level 0 of the collapse is the library's own result, byte for byte", right,
                    below, object_ink);
-    return below + caption_height;
 }
 
 }  // namespace
 
-VImage explain_picture(const BlendJob& job, const PreparedBlend& blend, const BlendStages& stages,
-                       const Frame& destination, const Frame& output) {
-    Page page(page_width);
-    const Placement& placement = blend.placement;
-    page.write(file_name(job.object.source) + " → " + file_name(job.destination), gap, 18,
-               black_ink, title_font);
-    page.write("at " + std::to_string(placement.centre.x) + "," +
-                   std::to_string(placement.centre.y) + ", zoom " + short_text(placement.zoom) +
-                   ", angle " + short_text(placement.angle) + "°",
+int add_title(Page& page, const BlendFacts& facts) {
+    const Placement& placement = facts.placement;
+    page.write(file_name(facts.source) + " → " + file_name(facts.destination), gap, 18, black_ink,
+               title_font);
+    page.write("at " + text(placement.at) + ", zoom " + short_text(placement.zoom) + ", angle " +
+                   short_text(static_cast<double>(placement.angle)) + "°",
                gap, 50, grey_ink, text_font);
-    int top = 84;
-    const VImage target = frame_picture(destination, false);
-    top = std::max(add_source(page, top, job, blend, stages),
-                   add_destination(page, top, job, blend, stages, target));
-    top = add_levels(page, top + 12, stages);
-    add_results(page, top + 12, stages, frame_picture(output, false));
-    return page.render();
+    return 84;
+}
+
+void add_blend(Page& page, int top, int number, const BlendFacts& facts,
+               const BlendPictures& pictures) {
+    top = std::max(add_source(page, top, number, facts, pictures.stages),
+                   add_destination(page, top, number + 1, facts, pictures));
+    top = add_levels(page, top + 12, number + 2, pictures.stages);
+    add_results(page, top + 12, number + 3, pictures);
 }
 
 }  // namespace tool

@@ -51,6 +51,7 @@ Object load_object(const ObjectArguments& arguments, Wanted wanted, const Photo&
     Object object;
     object.soft = arguments.soft;
     const bool own_alpha = arguments.mask.empty();
+    object.own_alpha = own_alpha;
     if (own_alpha || wanted == Wanted::mask_and_picture) {
         object.picture = load_source(arguments.source, destination);
     }
@@ -102,20 +103,22 @@ Outline find_outline(const VImage& mask) {
     return outline;
 }
 
-Reach find_reach(const Outline& outline, double angle_degrees) {
+Point middle_of(const Outline& outline) {
+    return {outline.left + outline.width / 2.0, outline.top + outline.height() / 2.0};
+}
+
+Reach find_reach(const Outline& outline, const Point& centre, double angle_degrees) {
     const double angle = angle_degrees * pi / 180.0;
     const double cosine = angle_degrees == 0.0 ? 1.0 : std::cos(angle);
     const double sine = angle_degrees == 0.0 ? 0.0 : std::sin(angle);
-    const double middle_x = outline.left + outline.width / 2.0;
-    const double middle_y = outline.height() / 2.0;
     Reach reach{};
     for (int row = 0; row < outline.height(); row++) {
         const Span span = outline.rows[static_cast<size_t>(row)];
         if (span.end <= span.begin) continue;
         for (const int column : {span.begin, span.end}) {
             for (const int edge : {row, row + 1}) {
-                const double dx = column - middle_x;
-                const double dy = edge - middle_y;
+                const double dx = column - centre.x;
+                const double dy = outline.top + edge - centre.y;
                 const double x = cosine * dx + sine * dy;
                 const double y = cosine * dy - sine * dx;
                 const std::array<double, 4> distance{-x, x, -y, y};

@@ -25,6 +25,7 @@ struct Object {
     vips::VImage picture;   // null unless it was asked for
     vips::VImage mask;      // one 8-bit band in memory, of the picture's size
     bool soft;
+    bool own_alpha;  // the mask is the picture's alpha channel
 };
 
 enum class Wanted { mask, mask_and_picture };
@@ -61,13 +62,20 @@ struct Pixel {
     int y;
 };
 
-// How far the turned object reaches from the middle of its unturned box, and the pixels of the
-// unturned mask that reach so far: left, right, up, down.
+// In pixels from the top left corner.
+struct Point {
+    double x;
+    double y;
+};
+Point middle_of(const Outline& outline);
+
+// How far the object reaches from a point that it is turned about, and the pixels of the unturned
+// mask that reach so far: left, right, up, down. Nothing is below 0.
 struct Reach {
     std::array<double, 4> distance;
     std::array<Pixel, 4> pixel;
 };
-Reach find_reach(const Outline& outline, double angle_degrees);
+Reach find_reach(const Outline& outline, const Point& centre, double angle_degrees);
 
 }  // namespace tool
 

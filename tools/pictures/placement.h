@@ -1,51 +1,54 @@
-// Where the object stands in the destination: arguments, the library's verdict, the zooms that fit.
+// Where the object is to stand in the destination: arguments and their meaning.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_PLACEMENT_H
 #define IMAGEBLEND_TOOLS_PICTURES_PLACEMENT_H
 
+#include <array>
 #include <optional>
 #include <string>
 #include <vector>
 
-#include "pictures/frames.h"
-#include "pictures/picture.h"
+#include "pictures/object.h"
 
 namespace tool {
 
+// A column or a row of the destination, or a part of its width or height.
+struct Coordinate {
+    double value = 0.0;
+    bool percent = false;
+};
+
+using Position = std::array<Coordinate, 2>;  // across and down
+
+// The point of the object that stands at the position: its middle, or the middle of a side.
+enum class Anchor { centre, left, right, top, bottom };
+
 struct PlacementArguments {
-    std::optional<Pixel> at;  // the middle of the destination when not given
+    std::optional<Position> at;  // the middle of the destination when not given
+    Anchor anchor = Anchor::centre;
     double zoom = 1.0;
     double angle = 0.0;  // degrees, counter-clockwise
 };
 
 struct Placement {
-    Pixel centre;
+    Point at;  // in pixels from the destination's top left corner
+    Anchor anchor;
     double zoom;  // of the picture as given
     float angle;
 };
 
+// "X" or "X%".
+Coordinate parse_coordinate(const std::string& text);
 // "X,Y" of the argument --at.
-Pixel parse_pixel(const std::string& text);
+Position parse_position(const std::string& text);
+// "centre", "left", "right", "top" or "bottom".
+Anchor parse_anchor(const std::string& name);
 // Checks the values.
 Placement place(const PlacementArguments& arguments, const Size& destination);
 
-struct Verdict {
-    bool fits;
-    std::vector<std::string> seams;  // the sides at which the margin is missing
-};
-Verdict verify(const Frame& mask, const Placement& placement, double zoom);
+// "320,240.5"
+std::string text(const Point& point);
+// "left, top and bottom"
 std::string list(const std::vector<std::string>& words);
-
-// The largest zoom of the picture as given that the library accepts, to three or four digits, never
-// rounded up. For a placement that does not fit.
-std::string largest_zoom(const Frame& mask, const Placement& placement, double scale);
-
-// What the blend does with a placement, all in pixels of the destination.
-struct Geometry {
-    Pixel centre;     // to be passed on so that the object's middle stands at the placement
-    int moved_right;  // the rectangle is moved inwards by as much; negative to the left
-    int moved_down;   // negative upwards
-};
-Geometry foresee(const FramedObject& object, const Placement& placement);
 
 }  // namespace tool
 

@@ -1,10 +1,11 @@
-#include "pictures/frames.h"
+#include "pictures/bare_frames.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <vector>
 
+#include "blend/depth.h"
 #include "pictures/errors.h"
 
 namespace tool {
@@ -42,12 +43,6 @@ VImage scale_picture(const VImage& picture, double scale) {
     return picture.premultiply().resize(scale).unpremultiply().rint().cast(VIPS_FORMAT_UCHAR);
 }
 
-Frame to_frame(const VImage& image) {
-    size_t size = 0;
-    auto* const bytes = static_cast<uint8_t*>(image.write_to_memory(&size));
-    return {size_of(image), std::unique_ptr<uint8_t, GlibFree>(bytes)};
-}
-
 // Where the mask's or picture's top left pixel lies in the frame.
 Pixel offset_in_frame(const FramedObject& object) {
     return {(object.frame.width - object.outline.width) / 2 - object.outline.left,
@@ -63,18 +58,16 @@ VImage into_frame(const VImage& image, const FramedObject& object, VipsExtend be
 // The blend centres its box of the turned object on the point that the object was turned about, and
 // would cut off what a lopsided object reaches beyond it. An anchor opposite to the farthest pixel
 // widens the box to both sides alike. The margins make up for small differences.
-void find_reach_and_anchors(FramedObject& object, const Reach& reach) {
-    object.reach = reach.distance;
+void find_anchors(FramedObject& object, const Reach& reach) {
+    const auto& [left, right, up, down] = reach.distance;
     const Outline& outline = object.outline;
-    const int margin =
-        margin_around(static_cast<int>(std::lround(object.reach[0] + object.reach[1])),
-                      static_cast<int>(std::lround(object.reach[2] + object.reach[3])));
+    const auto shorter = static_cast<int32_t>(std::lround(std::min(left + right, up + down)));
+    const int margin = margin_of_level(depth_of_side(shorter, BASE_LEVEL, true));
     for (size_t side = 0; side < 4; side++) {
         const size_t opposite = side ^ 1U;
         if (reach.distance[side] - reach.distance[opposite] <= margin) continue;
         object.anchors.push_back({2 * outline.left + outline.width - 1 - reach.pixel[side].x,
                                   2 * outline.top + outline.height() - 1 - reach.pixel[side].y});
-        object.reach[opposite] = reach.distance[side];
     }
 }
 
@@ -131,20 +124,13 @@ void fill_transparent(const Frame& frame) {
 
 }  // namespace
 
-int margin_around(int width, int height) {
-    const int side = std::min(width, height);
-    if (side < 16) return 0;
-    const int depth = static_cast<int>(std::floor(std::log2(side))) - 4;
-    return 4 << std::clamp(depth, 1, 4);
-}
-
 FramedObject fit_object(const Object& object, const Size& frame, double zoom,
                         double angle_degrees) {
     FramedObject framed;
     framed.frame = frame;
     framed.mask = object.mask;
     framed.outline = find_outline(object.mask);
-    Reach reach = find_reach(framed.outline, angle_degrees);
+    Reach reach = find_reach(framed.outline, middle_of(framed.outline), angle_degrees);
     const double limit = scale_limit(framed.outline, reach, frame);
     framed.scale = limit >= 1.0 ? 1.0 : std::min(limit, zoom);
     framed.zoom = zoom / framed.scale;
@@ -160,9 +146,9 @@ FramedObject fit_object(const Object& object, const Size& frame, double zoom,
                         object.mask_name + ": nothing is left of the object when it is scaled by " +
                             short_text(framed.scale) + " for a frame of " + text(frame));
         }
-        reach = find_reach(framed.outline, angle_degrees);
+        reach = find_reach(framed.outline, middle_of(framed.outline), angle_degrees);
     }
-    find_reach_and_anchors(framed, reach);
+    find_anchors(framed, reach);
     return framed;
 }
 
@@ -178,24 +164,6 @@ Frame icon_frame(const FramedObject& object, const VImage& picture) {
     Frame frame = colour_frame(into_frame(scaled, object, VIPS_EXTEND_COPY));
     if (picture.has_alpha()) fill_transparent(frame);
     return frame;
-}
-
-Frame colour_frame(const VImage& picture) {
-    const VImage colour = picture.extract_band(0, VImage::option()->set("n", 3));
-    if (picture.has_alpha()) return to_frame(picture.extract_band(3).bandjoin(colour));
-    const VImage opaque =
-        (VImage::black(picture.width(), picture.height()) + 255.0).cast(VIPS_FORMAT_UCHAR);
-    return to_frame(opaque.bandjoin(colour));
-}
-
-VImage frame_picture(const Frame& frame, bool with_alpha) {
-    const size_t size =
-        static_cast<size_t>(frame.size.width) * static_cast<size_t>(frame.size.height) * 4;
-    const VImage all = VImage::new_from_memory(frame.bytes.get(), size, frame.size.width,
-                                               frame.size.height, 4, VIPS_FORMAT_UCHAR);
-    VImage picture = all.extract_band(1, VImage::option()->set("n", 3));
-    if (with_alpha) picture = picture.bandjoin(all.extract_band(0));
-    return picture.copy(VImage::option()->set("interpretation", VIPS_INTERPRETATION_sRGB));
 }
 
 }  // namespace tool

@@ -1,0 +1,66 @@
+#!/usr/bin/env bash
+# as_is_test.sh IMAGEBLEND: blends without preparation, and what the library's rules mean for them.
+# shellcheck disable=SC2086 # lists of options are meant to be split
+source "$(dirname "$0")/helpers.sh"
+
+flat white.png 400 300 255 3
+flat black.png 600 400 0 3
+rectangle bar.png 400 300 40 30 120 60
+rectangle large.png 400 300 10 10 380 200
+blend=(blend white.png black.png o.png --as-is)
+
+# Sums of the pixels that an app got which called the library with the same mask, zoom and angle.
+bytes() {
+    local sum options
+    while read -r sum options; do
+        run 0 "${blend[@]}" $options
+        vips rawsave o.png o.raw
+        [ "$(sha1sum <o.raw | cut -c 1-12)" = "$sum" ] || fail "other bytes than before"
+    done <<END
+d79bc5cb6e08 --mask bar.png
+5ebcba0e7af6 --mask bar.png --zoom 0.7 --angle 20
+66978ba9e4f6 --mask bar.png --at 20,380 --zoom 1.4
+cd5abae9574a --mask bar.png --angle -45 --soft
+END
+}
+
+places() {
+    run 0 "${blend[@]}" --mask bar.png && box_is o.png 0 240 170 120 60
+    # At borders the object moves inwards, as far as the margin of 8 pixels and one more.
+    run 0 "${blend[@]}" --mask bar.png --at 50,390 && box_is o.png 0 9 331 120 60
+    says "seam may show at the left and bottom"
+    says "by 19 pixels to the right and 29 pixels up"
+    # An object that nearly fills its frame has short margins, and stands right all the same.
+    flat small.png 400 240 0 3
+    run 0 blend white.png small.png o.png --mask large.png --at 120,100 --zoom 0.25 --as-is
+    box_is o.png 1 72 75 95 50
+}
+
+# The object is larger than the destination, so the tool scales it.
+sizes() {
+    flat small.png 200 150 0 3
+    run 0 blend white.png small.png o.png --mask large.png --zoom 0.25 --as-is
+    says "scaled by 0.25" && box_is o.png 1 52 50 95 50
+    local command limit
+    for command in "verify white.png small.png" "blend white.png small.png o.png"; do
+        command="$command --mask large.png --angle 10 --as-is"
+        run 2 $command
+        limit=$(cat out err | sed -n 's/.*largest zoom that fits is //p')
+        "$tool" $command --zoom "$limit" >out 2>err
+        [ $? -le 1 ] || fail "the zoom $limit should fit: $command"
+        run 2 $command --zoom "$(awk "BEGIN { print $limit * 1.02 }")"
+    done
+    run 2 "${blend[@]}" --mask bar.png --zoom 1e30 && says "largest zoom that fits is 4.4"
+    flat dot.png 2 2 0 3
+    run 2 blend white.png dot.png o.png --mask bar.png --as-is && says "nothing is left"
+}
+
+verdicts() {
+    local verify=(verify white.png black.png --mask bar.png --as-is)
+    run 0 "${verify[@]}" && prints "fits with full margins"
+    run 1 "${verify[@]}" --at 60,200 && prints "seam at the left"
+    run 1 "${verify[@]}" --at 599,0 && prints "seam at the right and top"
+    run 1 "${verify[@]}" --at 300,399 && prints "seam at the bottom"
+}
+
+groups bytes places sizes verdicts
