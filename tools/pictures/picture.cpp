@@ -1,9 +1,11 @@
 #include "pictures/picture.h"
 
 #include <algorithm>
+#include <vector>
 
 #include "pictures/colour_profile.h"
 #include "pictures/errors.h"
+#include "pictures/exif_thumbnail.h"
 #include "pictures/picture_file.h"
 
 namespace tool {
@@ -38,6 +40,18 @@ bool is_coloured(const VImage& image) {
     const VImage green = colour.extract_band(1);
     const VImage blue = colour.extract_band(2);
     return std::max((red - green).abs().max(), (green - blue).abs().max()) > grey_tolerance;
+}
+
+// Without width, bands and the like, which every image has.
+std::vector<std::string> metadata_fields(const VImage& image) {
+    const VImage plain = VImage::new_matrix(1, 1);
+    std::vector<std::string> result;
+    char** const fields = vips_image_get_fields(image.get_image());
+    for (char** field = fields; *field; field++) {
+        if (plain.get_typeof(*field) == 0) result.emplace_back(*field);
+    }
+    g_strfreev(fields);
+    return result;
 }
 
 VImage grey_values(const VImage& image) {
@@ -79,16 +93,25 @@ VImage with_metadata(const VImage& picture, const Photo& photo) {
     VipsImage* const from = photo.pixels.get_image();
     VImage result = picture.copy(
         VImage::option()->set("xres", photo.pixels.xres())->set("yres", photo.pixels.yres()));
-    char** const fields = vips_image_get_fields(from);
-    for (char** field = fields; *field; field++) {
-        const bool known = result.get_typeof(*field) != 0;  // width, bands, ...
-        if (known || std::string(*field) == "jpeg-thumbnail-data") continue;
+    if (photo.pixels.get_typeof(VIPS_META_EXIF_NAME) != 0) {
+        size_t size = 0;
+        const void* const bytes = photo.pixels.get_blob(VIPS_META_EXIF_NAME, &size);
+        const std::string exif = without_thumbnail({static_cast<const char*>(bytes), size});
+        vips_image_set_blob_copy(result.get_image(), VIPS_META_EXIF_NAME, exif.data(), exif.size());
+        // This has set all tags that are in the data. Those of the photo hold, which is upright.
+        for (const std::string& field : metadata_fields(result)) {
+            if (field != VIPS_META_EXIF_NAME) result.remove(field.c_str());
+        }
+    }
+    for (const std::string& field : metadata_fields(photo.pixels)) {
+        const bool of_thumbnail =
+            field == "jpeg-thumbnail-data" || field.compare(0, 10, "exif-ifd1-") == 0;
+        if (field == VIPS_META_EXIF_NAME || of_thumbnail) continue;
         GValue value = G_VALUE_INIT;
-        if (vips_image_get(from, *field, &value) != 0) continue;
-        vips_image_set(result.get_image(), *field, &value);
+        if (vips_image_get(from, field.c_str(), &value) != 0) continue;
+        vips_image_set(result.get_image(), field.c_str(), &value);
         g_value_unset(&value);
     }
-    g_strfreev(fields);
     return result;
 }
 
