@@ -4,6 +4,9 @@
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "pictures/output_file.h"
+#include "pictures/picture_file.h"
+
 namespace tool {
 namespace {
 
@@ -24,6 +27,9 @@ std::string read_path(const std::string& field, const json& value) {
     if (!value.is_string()) fail_type(field, "a string", value);
     std::string path = value.get<std::string>();
     if (path.empty()) fail(field + ": must not be empty");
+    if (path == standard_stream || (field == "output" && is_standard_output(path))) {
+        fail(field + ": standard streams hold no pictures of a batch");
+    }
     if (path.find('\0') != std::string::npos) fail(field + ": holds a zero character");
     return path;
 }

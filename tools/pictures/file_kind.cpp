@@ -31,7 +31,7 @@ const VipsForeignSaveClass* saver_class(const char* saver) {
 // What libvips would take from the name of the file, and better defaults.
 std::string default_options(const FileKind& kind, const std::string& options) {
     if (begins_with(kind.saver, "VipsForeignSaveJpeg") && !has_option(options, "Q")) {
-        return "Q=92,subsample_mode=off,optimize_coding";
+        return "Q=92,subsample_mode=off";
     }
     if (begins_with(kind.saver, "VipsForeignSavePpm") && kind.suffix != ".pnm") {
         return "format=" + kind.suffix.substr(1);

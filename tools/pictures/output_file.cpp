@@ -58,6 +58,12 @@ bool copy_file(int from, int to) {
 
 }  // namespace
 
+bool is_standard_output(const std::string& path) {
+    const std::string plain = path.substr(0, path.find('['));
+    return plain == standard_stream ||
+           (plain.rfind('.') == 0 && plain.find('/') == std::string::npos);
+}
+
 OutputFile::OutputFile(const std::string& path) : path_(path) {
     char* const plain = vips_filename_get_filename(path.c_str());
     target_ = plain;
@@ -68,7 +74,7 @@ OutputFile::OutputFile(const std::string& path) : path_(path) {
     suffix_given_ = find_kind(target_, kind_);
     if (!suffix_given_) find_kind(".png", kind_);
     find_place();
-    if (!suffix_given_ && place_ == Place::file) {
+    if (!suffix_given_ && target_ != standard_stream && place_ != Place::stream) {
         throw Error(Exit::usage, path + ": no kind of image file has this suffix");
     }
     signal(SIGXFSZ, SIG_IGN);  // a file that grows too large is a failed write
@@ -82,18 +88,17 @@ OutputFile::OutputFile(const std::string& path) : path_(path) {
 }
 
 void OutputFile::find_place() {
-    const bool suffix_alone = suffix_given_ && target_[0] == '.' && target_.rfind('.') == 0 &&
-                              target_.find('/') == std::string::npos;
-    if (target_ == standard_stream || suffix_alone) {
+    if (is_standard_output(path_)) {
         place_ = Place::standard_output;
         return;
     }
     struct stat found;
-    if (stat(target_.c_str(), &found) == 0) {
+    const int missing = stat(target_.c_str(), &found) == 0 ? 0 : errno;
+    if (missing == 0) {
         if (S_ISDIR(found.st_mode)) fail(std::strerror(EISDIR));
         if (!S_ISREG(found.st_mode)) place_ = Place::stream;
     } else if (lstat(target_.c_str(), &found) == 0 && S_ISLNK(found.st_mode)) {
-        fail("a symbolic link that leads to no file");
+        fail(missing == ENOENT ? "a symbolic link that leads to no file" : std::strerror(missing));
     }
     std::error_code failure;
     const std::filesystem::path followed = std::filesystem::weakly_canonical(target_, failure);

@@ -10,9 +10,11 @@
 
 namespace tool {
 
+// "-", or a suffix alone such as ".png" or ".jpg[Q=95]".
+bool is_standard_output(const std::string& path);
+
 // The picture goes to a temporary file, which takes the output's name once it is complete. Standard
-// output ("-", or a suffix alone such as ".png"), pipes and devices get the bytes of the complete
-// file.
+// output, pipes and devices get the bytes of the complete file.
 class OutputFile {
   public:
     // Makes the temporary file, so that an unknown suffix or an unwritable folder shows at once.
