@@ -287,12 +287,15 @@ signals() {
     vips gaussnoise n.v 1500 1000 && vips cast n.v n2.v uchar
     vips bandjoin "n2.v n2.v n2.v" n3.v && vips copy n3.v noise.png --interpretation srgb
     mkdir ended
-    for kind in jpg v; do run 0 blend cut.png noise.png whole.$kind; done
+    run 0 blend cut.png noise.png whole.v
+    local start=${EPOCHREALTIME/./}
+    run 0 blend cut.png noise.png whole.jpg
+    local duration=$((${EPOCHREALTIME/./} - start)) # in microseconds
     for ((i = 0; i < signal_runs; i++)); do
         kind=$([ $((i % 2)) -eq 0 ] && echo jpg || echo v)
         name=${names[i / 2 % ${#names[@]}]}
         env --default-signal=INT,QUIT "$tool" blend cut.png noise.png ended/o.$kind 2>/dev/null &
-        sleep "0.$(printf %03d $((RANDOM % 250)))"
+        sleep "$(awk "BEGIN { print $RANDOM / 32768 * $duration / 1e6 }")"
         kill -"$name" $! 2>/dev/null
         [ $((i % 3)) -eq 0 ] && kill -TERM $! 2>/dev/null # a second one
         wait $! 2>/dev/null
