@@ -1,0 +1,32 @@
+// What a case's result should be, at any place near the one asked for.
+#ifndef IMAGEBLEND_BENCH_QUALITY_TRUTH_H
+#define IMAGEBLEND_BENCH_QUALITY_TRUTH_H
+
+#include "quality_cases.h"
+#include "quality_measure.h"
+#include "quality_peers.h"
+
+class true_results {
+  public:
+    true_results(const scene_pictures& scene, const quality_case& which,
+                 const case_pictures& pictures, bool leave_out_lost);
+
+    // `shift` in steps of a quarter pixel; whole pixels for a plain move.
+    truth at_shift(cv::Point2f shift) const;
+    // Against the truth at the place where the result fits best within 1.5 pixels, or at the place
+    // asked for.
+    quality_figures judge(const cv::Mat& result, bool find_place) const;
+
+  private:
+    const scene_pictures& scene_;
+    const case_pictures& pictures_;
+    bool plain_, leave_out_lost_;
+    seen_object seen_;    // under the case's zoom and angle
+    cv::Point2f offset_;  // of a plain move's middle from --at, which is a whole number
+};
+
+// The source where the case puts it, resampled by OpenCV.
+peer_input make_peer_input(const scene_pictures& scene, const quality_case& which,
+                           const case_pictures& pictures, const std::string& folder);
+
+#endif
