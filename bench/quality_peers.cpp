@@ -2,6 +2,7 @@
 
 #include <stdlib.h>
 
+#include <filesystem>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <opencv2/photo.hpp>
@@ -41,24 +42,33 @@ cv::Mat seamless_clone(const peer_input& input) {
     return result;
 }
 
-// Takes its seam from mask files, since one picture lies within the other.
+void save_with_alpha(const std::string& path, const cv::Mat& picture, const cv::Mat& alpha) {
+    cv::Mat together;
+    cv::merge(std::vector<cv::Mat>{picture, alpha}, together);
+    cv::imwrite(path, together);
+}
+
+// Enblend takes its seam from a mask file. It leaves out a picture that the other one covers whole,
+// so the source ends some way from the object, and the destination has one hole, of a pixel, deep
+// in the object.
 cv::Mat enblend(const peer_input& input) {
     const std::string folder = input.folder + "/enblend";
-    if (system(("mkdir -p '" + folder + "'").c_str()) != 0) return {};
-    const cv::Mat mask = input.alpha >= 128;
-    for (const auto& [name, picture] : {std::pair("/destination.tif", input.destination),
-                                        std::pair("/source.tif", input.source)}) {
-        cv::Mat opaque;
-        cv::cvtColor(picture, opaque, cv::COLOR_BGR2BGRA);
-        cv::imwrite(folder + name, opaque);
-    }
-    cv::imwrite(folder + "/mask-0.tif", ~mask);
+    std::filesystem::create_directories(folder);
+    cv::Mat mask = input.alpha >= 128, depth, around;
+    cv::distanceTransform(mask, depth, cv::DIST_L2, cv::DIST_MASK_PRECISE);
+    cv::Point deepest;
+    cv::minMaxLoc(depth, nullptr, nullptr, nullptr, &deepest);
+    cv::Mat all_but_one(mask.size(), CV_8U, 255.0);
+    all_but_one.at<uint8_t>(deepest) = 0;
+    cv::dilate(mask, around, cv::getStructuringElement(cv::MORPH_RECT, {65, 65}));
+    save_with_alpha(folder + "/destination.png", input.destination, all_but_one);
+    save_with_alpha(folder + "/source.png", input.source, around);
     cv::imwrite(folder + "/mask-1.tif", mask);
     const std::string command = "cd '" + folder +
-                                "' && rm -f result.tif && enblend --load-masks='mask-%i.tif' "
-                                "-o result.tif destination.tif source.tif > log 2>&1";
+                                "' && rm -f result.png && enblend --load-masks='mask-%n.tif' "
+                                "-o result.png destination.png source.png > log 2>&1";
     if (system(command.c_str()) != 0) return {};
-    return cv::imread(folder + "/result.tif", cv::IMREAD_COLOR);
+    return cv::imread(folder + "/result.png", cv::IMREAD_COLOR);
 }
 
 }  // namespace
