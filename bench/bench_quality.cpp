@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 #include <stdexcept>
@@ -93,9 +94,13 @@ void run(const options& chosen) {
     for (const std::string& line : missing)
         std::cout << line << "\n";
     quality_report report;
+    std::unique_ptr<scene_object> object;
     for (const quality_scene& scene : scenes_of_set(chosen.set)) {
         if (!is_chosen(scene.name(), chosen.scenes)) continue;
-        const scene_pictures painted = paint_scene(scene);
+        if (!object || object->name() != scene.object) {
+            object = std::make_unique<scene_object>(scene.object);
+        }
+        const scene_pictures painted = paint_scene(scene, object.get());
         std::filesystem::create_directories(chosen.folder + "/" + scene.name());
         save(chosen.folder + "/" + scene.name() + "/destination.png", painted.destination);
         for (const quality_case& which : quality_cases()) {

@@ -5,33 +5,12 @@
 
 namespace {
 
-// Distance in pixels from the drawn outline, outside positive, in the middle of each pixel.
-cv::Mat signed_distance(const scene_pictures& scene, cv::Size size) {
-    cv::Mat cover = cv::Mat::zeros(size * static_cast<int>(FINE), CV_8U);
-    const int room_x = scene.seen.samples.cols - scene.object.cover.cols;
-    const int room_y = scene.seen.samples.rows - scene.object.cover.rows;
-    const cv::Point corner =
-        scene.origin * static_cast<int>(FINE) + cv::Point(room_x / 2, room_y / 2);
-    scene.object.cover.copyTo(cover(cv::Rect(corner, scene.object.cover.size())));
-    cv::Mat outside, inside, fine;
-    cv::distanceTransform(~cover, outside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
-    cv::distanceTransform(cover, inside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
-    fine = (outside - inside) / static_cast<double>(FINE);
-    cv::Mat coarse(size, CV_32F);
-    for (int y = 0; y < size.height; y++) {
-        for (int x = 0; x < size.width; x++) {
-            coarse.at<float>(y, x) = fine.at<float>(y * FINE + FINE / 2, x * FINE + FINE / 2);
-        }
-    }
-    return coarse;
-}
-
 cv::Mat make_mask(const scene_pictures& scene, const quality_case& which) {
     cv::Mat alpha;
     scene.source_layer.alpha.convertTo(alpha, CV_8U);
     if (which.exact_mask) return alpha;
     if (which.widening == 0.0f && !which.soft) return alpha >= 128;
-    const cv::Mat outwards = which.widening - signed_distance(scene, alpha.size());
+    const cv::Mat outwards = which.widening - scene.object->distance();
     if (!which.soft) return outwards > 0.0;
     cv::Mat mask;
     outwards.convertTo(mask, CV_8U, 255.0, 127.5);

@@ -41,24 +41,6 @@ cv::Mat to_bytes(const cv::Mat& picture) {
     return bytes;
 }
 
-}  // namespace
-
-const std::vector<quality_scene>& scenes_of_set(int set) {
-    static const std::vector<quality_scene> tuned = {
-        {"jar", "dark_wall", "foliage", 101}, {"jar", "foliage", "night", 102},
-        {"jar", "bricks", "shore", 103},      {"weed", "sky", "sand", 104},
-        {"weed", "light_wall", "shore", 105}, {"weed", "sand", "night", 106},
-        {"gear", "sky", "foliage", 107},      {"gear", "dark_wall", "light_wall", 108},
-        {"gear", "foliage", "sky", 109}};
-    static const std::vector<quality_scene> kept_aside = {
-        {"lamp", "foliage", "dark_wall", 201}, {"lamp", "dark_wall", "shore", 202},
-        {"lamp", "night", "bricks", 203},      {"wheel", "sand", "sky", 204},
-        {"wheel", "shore", "light_wall", 205}, {"wheel", "light_wall", "foliage", 206},
-        {"leaf", "night", "sand", 207},        {"leaf", "dark_wall", "sky", 208},
-        {"leaf", "light_wall", "foliage", 209}};
-    return set == 2 ? kept_aside : tuned;
-}
-
 seen_object see(const drawing& object, const view& how) {
     // Half as many samples where the object grows, to keep the memory in bounds.
     const int scale = how.zoom > 1.0f ? FINE / 2 : FINE;
@@ -84,6 +66,39 @@ seen_object see(const drawing& object, const view& how) {
     // A box of an even size is taken half a sample to the left: sample i means the place i / scale.
     cv::blur(seen, drawn, {scale, scale});
     return {drawn, scale, middle_of_box(drawn, scale)};
+}
+
+cv::Mat signed_distance(const drawing& object, cv::Point corner) {
+    cv::Mat cover = cv::Mat::zeros(SOURCE_SIZE * static_cast<int>(FINE), CV_8U);
+    object.cover.copyTo(cover(cv::Rect(corner, object.cover.size())));
+    cv::Mat outside, inside, coarse(SOURCE_SIZE, CV_32F);
+    cv::distanceTransform(~cover, outside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
+    cv::distanceTransform(cover, inside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
+    const cv::Mat fine = (outside - inside) / static_cast<double>(FINE);
+    for (int y = 0; y < coarse.rows; y++) {
+        for (int x = 0; x < coarse.cols; x++) {
+            coarse.at<float>(y, x) = fine.at<float>(y * FINE + FINE / 2, x * FINE + FINE / 2);
+        }
+    }
+    return coarse;
+}
+
+}  // namespace
+
+const std::vector<quality_scene>& scenes_of_set(int set) {
+    static const std::vector<quality_scene> tuned = {
+        {"jar", "dark_wall", "foliage", 101}, {"jar", "foliage", "night", 102},
+        {"jar", "bricks", "shore", 103},      {"weed", "sky", "sand", 104},
+        {"weed", "light_wall", "shore", 105}, {"weed", "sand", "night", 106},
+        {"gear", "sky", "foliage", 107},      {"gear", "dark_wall", "light_wall", 108},
+        {"gear", "foliage", "sky", 109}};
+    static const std::vector<quality_scene> kept_aside = {
+        {"lamp", "foliage", "dark_wall", 201}, {"lamp", "dark_wall", "shore", 202},
+        {"lamp", "night", "bricks", 203},      {"wheel", "sand", "sky", 204},
+        {"wheel", "shore", "light_wall", 205}, {"wheel", "light_wall", "foliage", 206},
+        {"leaf", "night", "sand", 207},        {"leaf", "dark_wall", "sky", 208},
+        {"leaf", "light_wall", "foliage", 209}};
+    return set == 2 ? kept_aside : tuned;
 }
 
 layer place(const seen_object& object, cv::Size frame, cv::Point2f origin) {
@@ -115,14 +130,25 @@ cv::Mat over(const layer& top, const cv::Mat& below) {
     return to_bytes(top.colour + picture.mul(share));
 }
 
-scene_pictures paint_scene(const quality_scene& scene) {
+scene_object::scene_object(const std::string& name) : name_(name), shape_(draw_object(name)) {
+    const cv::Mat& samples = seen({1.0f, 0.0f}).samples;
+    origin_ = {(SOURCE_SIZE.width - samples.cols / FINE) / 2 + 3,
+               (SOURCE_SIZE.height - samples.rows / FINE) / 2 - 2};
+    const cv::Size room = samples.size() - shape_.cover.size();
+    distance_ = signed_distance(
+        shape_, origin_ * static_cast<int>(FINE) + cv::Point(room.width / 2, room.height / 2));
+}
+
+const seen_object& scene_object::seen(const view& how) {
+    const auto [place, missing] = views_.try_emplace({how.zoom, how.angle});
+    if (missing) place->second = see(shape_, how);
+    return place->second;
+}
+
+scene_pictures paint_scene(const quality_scene& scene, scene_object* object) {
     scene_pictures made;
-    made.object = draw_object(scene.object);
-    made.seen = see(made.object, {1.0f, 0.0f});
-    const int width = made.seen.samples.cols / made.seen.scale;
-    const int height = made.seen.samples.rows / made.seen.scale;
-    made.origin = {(SOURCE_SIZE.width - width) / 2 + 3, (SOURCE_SIZE.height - height) / 2 - 2};
-    made.source_layer = place(made.seen, SOURCE_SIZE, made.origin);
+    made.object = object;
+    made.source_layer = place(object->seen({1.0f, 0.0f}), SOURCE_SIZE, object->origin());
 
     const cv::Mat ground = paint_ground(scene.surroundings, SOURCE_SIZE, scene.seed);
     made.source_no_grain = over(made.source_layer, ground);

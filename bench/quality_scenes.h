@@ -2,8 +2,10 @@
 #ifndef IMAGEBLEND_BENCH_QUALITY_SCENES_H
 #define IMAGEBLEND_BENCH_QUALITY_SCENES_H
 
+#include <map>
 #include <opencv2/core.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "quality_drawing.h"
@@ -32,8 +34,6 @@ struct seen_object {
     cv::Point2f box_middle;  // of the box of alpha 128 and more
 };
 
-seen_object see(const drawing& object, const view& how);
-
 // Alpha is a whole number from 0 to 255 in floats, colour three floats times alpha / 255.
 struct layer {
     cv::Mat alpha, colour;
@@ -45,16 +45,33 @@ layer place(const seen_object& object, cv::Size frame, cv::Point2f origin);
 // Layer over picture, bytes.
 cv::Mat over(const layer& top, const cv::Mat& below);
 
+// One object for all of its scenes: it is drawn, seen and measured once.
+class scene_object {
+  public:
+    explicit scene_object(const std::string& name);
+
+    const std::string& name() const { return name_; }
+    const seen_object& seen(const view& how);
+    cv::Point origin() const { return origin_; }  // of the object seen at zoom 1 in the source
+    // Pixels from the drawn outline, outside positive, in the middle of each pixel of the source.
+    const cv::Mat& distance() const { return distance_; }
+
+  private:
+    std::string name_;
+    drawing shape_;
+    cv::Point origin_;
+    cv::Mat distance_;
+    std::map<std::pair<float, float>, seen_object> views_;
+};
+
 struct scene_pictures {
-    drawing object;
-    seen_object seen;         // at zoom 1
-    cv::Point origin;         // of the object in the source
+    scene_object* object;
     layer source_layer;       // with grain
     cv::Mat source;           // three bytes, with grain
     cv::Mat source_no_grain;  // for other zooms and angles: a new picture has no old grain
     cv::Mat destination;      // three bytes
 };
 
-scene_pictures paint_scene(const quality_scene& scene);
+scene_pictures paint_scene(const quality_scene& scene, scene_object* object);
 
 #endif

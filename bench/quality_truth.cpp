@@ -14,6 +14,13 @@ cv::Mat moved(const cv::Mat& picture, cv::Size frame, cv::Point by) {
     return placed;
 }
 
+// Of the drawing, from the upper left corner of what is seen of it.
+cv::Point2f middle(const seen_object& seen) {
+    return cv::Point2f(static_cast<float>(seen.samples.cols),
+                       static_cast<float>(seen.samples.rows)) *
+           (0.5f / static_cast<float>(seen.scale));
+}
+
 }  // namespace
 
 true_results::true_results(const scene_pictures& scene, const quality_case& which,
@@ -23,7 +30,7 @@ true_results::true_results(const scene_pictures& scene, const quality_case& whic
       plain_(which.placed.is_plain()),
       leave_out_lost_(leave_out_lost) {
     if (!plain_) {
-        seen_ = see(scene.object, which.placed);
+        seen_ = &scene.object->seen(which.placed);
         return;
     }
     const cv::Rect box = cv::boundingRect(pictures.alpha >= 128);
@@ -41,7 +48,7 @@ truth true_results::at_shift(cv::Point2f shift) const {
                   moved(scene_.source_layer.colour, frame, by)};
         made.left_out = moved(pictures_.lost, frame, by);
     } else {
-        placed = place(seen_, frame, cv::Point2f(pictures_.at) - seen_.box_middle + shift);
+        placed = place(*seen_, frame, cv::Point2f(pictures_.at) - seen_->box_middle + shift);
     }
     if (plain_ && leave_out_lost_) {
         made.left_out = made.left_out > 0;
@@ -80,18 +87,12 @@ peer_input make_peer_input(const scene_pictures& scene, const quality_case& whic
                            const case_pictures& pictures, const std::string& folder) {
     cv::Mat colour = pictures.source, alpha = pictures.alpha;
     if (colour.channels() == 4) cv::cvtColor(colour, colour, cv::COLOR_BGRA2BGR);
-    cv::Point2f from =
-        cv::Point2f(scene.origin) + cv::Point2f(static_cast<float>(scene.seen.samples.cols),
-                                                static_cast<float>(scene.seen.samples.rows)) *
-                                        (0.5f / static_cast<float>(scene.seen.scale));
+    cv::Point2f from = cv::Point2f(scene.object->origin()) + middle(scene.object->seen({1, 0}));
     cv::Point2f to = from + cv::Point2f(pictures.moved);
     const float zoom = which.placed.zoom;
     if (!which.placed.is_plain()) {
-        const seen_object seen = see(scene.object, which.placed);
-        to = cv::Point2f(pictures.at) - seen.box_middle +
-             cv::Point2f(static_cast<float>(seen.samples.cols),
-                         static_cast<float>(seen.samples.rows)) *
-                 (0.5f / static_cast<float>(seen.scale));
+        const seen_object& seen = scene.object->seen(which.placed);
+        to = cv::Point2f(pictures.at) - seen.box_middle + middle(seen);
         const int kernel = zoom < 1.0f ? cv::INTER_AREA : cv::INTER_CUBIC;
         const cv::Size size = colour.size();
         cv::resize(colour, colour, {}, static_cast<double>(zoom), static_cast<double>(zoom),

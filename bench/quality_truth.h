@@ -21,7 +21,7 @@ class true_results {
     const scene_pictures& scene_;
     const case_pictures& pictures_;
     bool plain_, leave_out_lost_;
-    seen_object seen_;    // under the case's zoom and angle
+    const seen_object* seen_ = nullptr;  // under the case's zoom and angle
     cv::Point2f offset_;  // of a plain move's middle from --at, which is a whole number
 };
 
