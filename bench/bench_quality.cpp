@@ -21,7 +21,7 @@ struct options {
     std::vector<std::string> command;
     std::string folder = "quality", scenes, cases;
     int set = 1;
-    bool peers = false, rows = false, with_lost = false;
+    bool peers = false, rows = false, with_lost = false, discard = false;
 };
 
 std::string quoted(const std::string& text) {
@@ -88,6 +88,20 @@ bool is_chosen(const std::string& name, const std::string& pattern) {
     return name.find(pattern) != std::string::npos;
 }
 
+void run_scene(const options& chosen, const quality_scene& scene, scene_object* object,
+               const std::vector<peer>& peers, quality_report* report) {
+    const scene_pictures painted = paint_scene(scene, object);
+    const std::string folder = chosen.folder + "/" + scene.name();
+    std::filesystem::create_directories(folder);
+    save(folder + "/destination.png", painted.destination);
+    for (const quality_case& which : quality_cases()) {
+        if (is_chosen(which.name, chosen.cases)) {
+            run_case(chosen, scene, painted, which, peers, report);
+        }
+    }
+    if (chosen.discard) std::filesystem::remove_all(folder);
+}
+
 void run(const options& chosen) {
     std::vector<std::string> missing;
     const std::vector<peer> peers = chosen.peers ? find_peers(&missing) : std::vector<peer>();
@@ -100,17 +114,14 @@ void run(const options& chosen) {
         if (!object || object->name() != scene.object) {
             object = std::make_unique<scene_object>(scene.object);
         }
-        const scene_pictures painted = paint_scene(scene, object.get());
-        std::filesystem::create_directories(chosen.folder + "/" + scene.name());
-        save(chosen.folder + "/" + scene.name() + "/destination.png", painted.destination);
-        for (const quality_case& which : quality_cases()) {
-            if (!is_chosen(which.name, chosen.cases)) continue;
-            run_case(chosen, scene, painted, which, peers, &report);
-        }
+        run_scene(chosen, scene, object.get(), peers, &report);
     }
     std::ofstream csv(chosen.folder + "/results.csv");
     report.write_csv(csv);
-    report.print(std::cout, chosen.rows);
+    if (!report.has_rows()) throw std::runtime_error("no scene or no case has such a name");
+    report.print_cases(std::cout, chosen.rows);
+    report.print_summary(std::cout);
+    if (!chosen.command.empty()) report.print_bars(std::cout);
 }
 
 }  // namespace
@@ -128,6 +139,7 @@ int main(int argc, char** argv) {
     app.add_option("--cases", chosen.cases, "only those whose name contains this");
     app.add_flag("--peers", chosen.peers, "other blends on the same pictures");
     app.add_flag("--rows", chosen.rows, "also print every scene's figures");
+    app.add_flag("--discard", chosen.discard, "keep no pictures");
     app.add_flag("--with-lost", chosen.with_lost,
                  "also count thin parts that a mask has lost and gaps that it has closed");
     CLI11_PARSE(app, argc, argv);

@@ -79,12 +79,29 @@ void print_line(std::ostream& to, const std::string& name, const row_list& rows,
     to << "\n";
 }
 
-void print_bar(std::ostream& to, const char* name, double value, double bar,
+// A bar, and whether there is anything to hold to it.
+void print_bar(std::ostream& to, const char* name, bool measured, double value, double bar,
                const std::string& where) {
+    const char* verdict = !measured ? "----" : value <= bar ? "PASS" : "FAIL";
     char line[200];
-    snprintf(line, sizeof line, "  %-4s %-44s %7.2f  at most %g", value <= bar ? "PASS" : "FAIL",
-             name, value, bar);
+    snprintf(line, sizeof line, "  %s %-44s %7.2f  at most %g", verdict, name, value, bar);
     to << line << (where.empty() ? "" : "  (" + where + ")") << "\n";
+}
+
+void print_head(std::ostream& to, const std::string& title) {
+    to << "\n"
+       << title << "\n"
+       << "                           halo          inside          edge        changed  place"
+          "   lost\n"
+       << "                          mean  worst    mean  worst    mean  worst  outside    off\n";
+}
+
+size_t count_failed(const std::vector<quality_row>& rows, const std::string& method,
+                    const std::string& case_name) {
+    return static_cast<size_t>(std::count_if(rows.begin(), rows.end(), [&](const quality_row& row) {
+        return !row.made && row.method == method &&
+               (case_name.empty() || row.case_name == case_name);
+    }));
 }
 
 }  // namespace
@@ -99,45 +116,52 @@ void quality_report::write_csv(std::ostream& to) const {
     }
 }
 
-void quality_report::print(std::ostream& to, bool every_row) const {
-    const auto failures = [&](const std::string& method, const std::string& name) {
-        return static_cast<size_t>(
-            std::count_if(rows_.begin(), rows_.end(), [&](const quality_row& row) {
-                return !row.made && row.method == method && (name.empty() || row.case_name == name);
-            }));
-    };
+std::string quality_report::command() const {
+    return rows_.empty() ? std::string() : rows_.front().method;
+}
+
+void quality_report::print_cases(std::ostream& to, bool every_row) const {
     for (const std::string& method : values(rows_, &quality_row::method)) {
-        to << "\n" << method << "\n";
-        to << "                           halo          inside          edge        changed  place"
-              "   lost\n";
-        to << "                          mean  worst    mean  worst    mean  worst  outside    "
-              "off\n";
+        print_head(to, method);
         for (const std::string& name : values(rows_, &quality_row::case_name)) {
             const row_list rows = choose(rows_, [&](const quality_row& row) {
                 return row.method == method && row.case_name == name;
             });
-            print_line(to, name, rows, failures(method, name));
+            print_line(to, name, rows, count_failed(rows_, method, name));
             if (!every_row) continue;
             for (const quality_row* row : rows)
                 print_line(to, "  " + row->scene, {row}, 0);
         }
-        print_line(to, "all",
-                   choose(rows_, [&](const quality_row& row) { return row.method == method; }),
-                   failures(method, ""));
     }
-    if (rows_.empty()) return;
-    const std::string first = rows_.front().method;
-    const row_list all = choose(rows_, [&](const quality_row& row) { return row.method == first; });
+}
+
+void quality_report::print_summary(std::ostream& to) const {
+    print_head(to, "All cases");
+    for (const std::string& method : values(rows_, &quality_row::method)) {
+        const row_list rows =
+            choose(rows_, [&](const quality_row& row) { return row.method == method; });
+        print_line(to, method, rows, count_failed(rows_, method, ""));
+    }
+}
+
+void quality_report::print_bars(std::ostream& to) const {
+    const std::string method = command();
+    const row_list all =
+        choose(rows_, [&](const quality_row& row) { return row.method == method; });
     const row_list turned =
-        choose(rows_, [&](const quality_row& row) { return row.method == first && row.turned; });
-    to << "\nBars for " << first << "\n";
-    print_bar(to, "halo, mean", over_rows(all, halo).mean, 1.0, "");
-    print_bar(to, "halo, worst", over_rows(all, halo).worst, 2.0, over_rows(all, halo).where);
-    print_bar(to, "inside, mean", over_rows(all, inside).mean, 1.2, "");
-    print_bar(to, "edge where zoomed or turned, mean", over_rows(turned, edge).mean, 4.0, "");
-    print_bar(to, "pixels changed beyond 16 from the object", over_rows(all, changed).worst, 0,
-              over_rows(all, changed).where);
-    print_bar(to, "place, worst", over_rows(all, misplaced).worst, 0.5,
-              over_rows(all, misplaced).where);
-    print_bar(to, "blends that failed", static_cast<double>(failures(first, "")), 0, "");
+        choose(rows_, [&](const quality_row& row) { return row.method == method && row.turned; });
+    const range worst_halo = over_rows(all, halo), most_changed = over_rows(all, changed);
+    const range worst_place = over_rows(all, misplaced);
+    to << "\nBars for " << method << "\n";
+    const bool any = !all.empty();
+    print_bar(to, "halo, mean", any, worst_halo.mean, 1.0, "");
+    print_bar(to, "halo, worst", any, worst_halo.worst, 2.0, worst_halo.where);
+    print_bar(to, "inside, mean", any, over_rows(all, inside).mean, 1.2, "");
+    print_bar(to, "edge where zoomed or turned, mean", !turned.empty(),
+              over_rows(turned, edge).mean, 4.0, "");
+    print_bar(to, "pixels changed beyond 16 from the object", any, most_changed.worst, 0,
+              most_changed.where);
+    print_bar(to, "place, worst", any, worst_place.worst, 0.5, worst_place.where);
+    print_bar(to, "blends that failed", true, static_cast<double>(count_failed(rows_, method, "")),
+              0, "");
 }

@@ -16,12 +16,18 @@ struct quality_row {
 class quality_report {
   public:
     void add(const quality_row& row) { rows_.push_back(row); }
+    bool has_rows() const { return !rows_.empty(); }
     void write_csv(std::ostream& to) const;
-    // A table of each method, cases in the order in which they came, and the bars of the first
-    // method.
-    void print(std::ostream& to, bool every_row) const;
+    // For each method a table of the cases, in the order in which they came.
+    void print_cases(std::ostream& to, bool every_row) const;
+    // One line a method, over all cases.
+    void print_summary(std::ostream& to) const;
+    // What is asked of the first method.
+    void print_bars(std::ostream& to) const;
 
   private:
+    std::string command() const;
+
     std::vector<quality_row> rows_;
 };
 
