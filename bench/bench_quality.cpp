@@ -76,7 +76,7 @@ void run_case(const options& chosen, const quality_scene& scene, const scene_pic
         note(chosen.command.front(), run_command(chosen, which, pictures, folder), true);
     }
     if (peers.empty()) return;
-    const peer_input input = make_peer_input(painted, which, pictures, folder);
+    const peer_input input = truths.make_peer_input(folder);
     for (const peer& other : peers) {
         const cv::Mat result = other.blend(input);
         if (!result.empty()) save(folder + other.name + ".png", result);

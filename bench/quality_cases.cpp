@@ -5,6 +5,11 @@
 
 namespace {
 
+cv::Point2f middle_of_box(const cv::Mat& alpha) {
+    const cv::Rect box = cv::boundingRect(alpha >= 128);
+    return cv::Point2f(box.tl() + box.br()) * 0.5f;
+}
+
 cv::Mat make_mask(const scene_pictures& scene, const quality_case& which) {
     cv::Mat alpha;
     scene.source_layer.alpha.convertTo(alpha, CV_8U);
@@ -90,10 +95,11 @@ case_pictures make_case(const scene_pictures& scene, const quality_case& which) 
     }
     const cv::Size room = scene.destination.size() - scene.source.size();
     made.moved = {room.width / 2 + 5, room.height / 2 - 7};
-    const cv::Rect box = cv::boundingRect(made.alpha >= 128);
-    made.at = made.moved + box.tl() + cv::Point(box.width / 2, box.height / 2);
     cv::Mat exact;
     scene.source_layer.alpha.convertTo(exact, CV_8U);
+    made.exact_middle = middle_of_box(exact);
+    made.given_middle = middle_of_box(made.alpha);
+    made.at = made.moved + cv::Point(cvFloor(made.given_middle.x), cvFloor(made.given_middle.y));
     made.lost = find_lost(exact, which, made.alpha);
     return made;
 }

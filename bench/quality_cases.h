@@ -33,10 +33,11 @@ struct case_pictures {
     cv::Mat source;  // three or four bytes a pixel
     cv::Mat mask;    // bytes; empty where the source has the alpha
     cv::Mat alpha;   // bytes: the mask, or the source's own
-    cv::Point at;    // of the middle of the alpha's box, in the destination
-    // What a plain move of the source by `moved` to the right and down shows; at other zooms and
-    // angles the box of the exact alpha has its middle `at`.
-    cv::Point moved;
+    cv::Point at;    // where the middle of the object's box is to stand in the destination
+    // The middle of the box of 128 and more, in the source: of the alpha above and of the exact
+    // one.
+    cv::Point2f given_middle, exact_middle;
+    cv::Point moved;  // from the source to the destination at zoom 1 and angle 0
     // In the source: not 0 where the mask has lost a thin part or closed a gap for good.
     cv::Mat lost;
 };

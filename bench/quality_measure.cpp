@@ -59,9 +59,9 @@ quality_figures measure(const truth& exact, const cv::Mat& result) {
             {0, 0}};
 }
 
-double edge_difference(const truth& exact, const cv::Mat& result) {
+double object_difference(const truth& exact, const cv::Mat& result) {
     cv::Mat delta;
     cv::absdiff(exact.composite, result, delta);
-    const cv::Scalar sums = cv::mean(delta, edge_of(exact.alpha) & (exact.left_out == 0));
-    return sums[0] + sums[1] + sums[2];
+    const cv::Scalar means = cv::mean(delta, (exact.alpha > 0) & (exact.left_out == 0));
+    return means[0] + means[1] + means[2];
 }

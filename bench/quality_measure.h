@@ -11,9 +11,9 @@ struct quality_figures {
     double halo;    // from the destination, where alpha is 0, 1 to 16 pixels from the object
     double inside;  // from the exact composite, where alpha is 1, up to 16 pixels from the edge
     double edge;    // from the exact composite, where alpha is between, and 1 pixel around
-    int changed_outside;  // pixels more than 16 from the object that are not the destination's
-    double lost;          // share of the pixels above that were left out
-    cv::Point2f shift;    // right and down, by which the result lies beside the place asked for
+    int changed_outside;    // pixels more than 16 from the object that are not the destination's
+    double lost;            // share of the pixels above that were left out
+    cv::Point2f off_place;  // right and down, from the place asked for
 };
 
 struct truth {
@@ -25,7 +25,7 @@ struct truth {
 
 quality_figures measure(const truth& exact, const cv::Mat& result);
 
-// The mean difference of bytes along the edge alone, to find the place of a result.
-double edge_difference(const truth& exact, const cv::Mat& result);
+// The mean difference of bytes over the object, to find the place of a result.
+double object_difference(const truth& exact, const cv::Mat& result);
 
 #endif

@@ -41,7 +41,7 @@ double changed(const quality_row& row) {
 }
 double misplaced(const quality_row& row) {
     return static_cast<double>(
-        std::max(std::abs(row.figures.shift.x), std::abs(row.figures.shift.y)));
+        std::max(std::abs(row.figures.off_place.x), std::abs(row.figures.off_place.y)));
 }
 
 template <typename Chosen>
@@ -82,9 +82,9 @@ void print_line(std::ostream& to, const std::string& name, const row_list& rows,
 // A bar, and whether there is anything to hold to it.
 void print_bar(std::ostream& to, const char* name, bool measured, double value, double bar,
                const std::string& where) {
-    const char* verdict = !measured ? "----" : value <= bar ? "PASS" : "FAIL";
+    const char* verdict = !measured ? "not measured" : value <= bar ? "met" : "MISSED";
     char line[200];
-    snprintf(line, sizeof line, "  %s %-44s %7.2f  at most %g", verdict, name, value, bar);
+    snprintf(line, sizeof line, "  %-12s  %-44s %8.2f  <= %g", verdict, name, value, bar);
     to << line << (where.empty() ? "" : "  (" + where + ")") << "\n";
 }
 
@@ -107,12 +107,12 @@ size_t count_failed(const std::vector<quality_row>& rows, const std::string& met
 }  // namespace
 
 void quality_report::write_csv(std::ostream& to) const {
-    to << "method,scene,case,made,halo,inside,edge,changed_outside,lost,shift_x,shift_y\n";
+    to << "method,scene,case,made,halo,inside,edge,changed_outside,lost,off_x,off_y\n";
     for (const quality_row& row : rows_) {
         const quality_figures& f = row.figures;
         to << row.method << "," << row.scene << "," << row.case_name << "," << row.made << ","
            << f.halo << "," << f.inside << "," << f.edge << "," << f.changed_outside << ","
-           << f.lost << "," << f.shift.x << "," << f.shift.y << "\n";
+           << f.lost << "," << f.off_place.x << "," << f.off_place.y << "\n";
     }
 }
 

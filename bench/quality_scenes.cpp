@@ -25,16 +25,6 @@ cv::Matx23f to_samples(const drawing& object, const view& how, int scale, cv::Si
     return {c, s, to_x - c * from_x - s * from_y, -s, c, to_y + s * from_x - c * from_y};
 }
 
-cv::Point2f middle_of_box(const cv::Mat& samples, int scale) {
-    cv::Mat alpha, inside;
-    cv::extractChannel(samples, alpha, 3);
-    inside = alpha >= 127.5f;
-    const cv::Rect box = cv::boundingRect(inside);
-    return cv::Point2f(static_cast<float>(2 * box.x + box.width - 1),
-                       static_cast<float>(2 * box.y + box.height - 1)) *
-           (0.5f / static_cast<float>(scale));
-}
-
 cv::Mat to_bytes(const cv::Mat& picture) {
     cv::Mat bytes;
     picture.convertTo(bytes, CV_8U);
@@ -65,7 +55,7 @@ seen_object see(const drawing& object, const view& how) {
     cv::GaussianBlur(drawn, seen, {2 * reach + 1, 2 * reach + 1}, blur, blur);
     // A box of an even size is taken half a sample to the left: sample i means the place i / scale.
     cv::blur(seen, drawn, {scale, scale});
-    return {drawn, scale, middle_of_box(drawn, scale)};
+    return {drawn, scale};
 }
 
 cv::Mat signed_distance(const drawing& object, cv::Point corner) {

@@ -31,7 +31,6 @@ struct view {
 struct seen_object {
     cv::Mat samples;  // four floats: blue, green, red, each times alpha, and alpha, all 0 to 255
     int scale;
-    cv::Point2f box_middle;  // of the box of alpha 128 and more
 };
 
 // Alpha is a whole number from 0 to 255 in floats, colour three floats times alpha / 255.

@@ -16,17 +16,20 @@ class true_results {
     // Against the truth at the place where the result fits best within 1.5 pixels, or at the place
     // asked for.
     quality_figures judge(const cv::Mat& result, bool find_place) const;
+    // The source where the case puts it, resampled by OpenCV.
+    peer_input make_peer_input(const std::string& folder) const;
 
   private:
+    // In the destination. An object turns about the middle of its box.
+    cv::Point2f middle_of_drawing() const;
+    // From --at to the middle of the object's box, be it of the alpha given or of the exact one.
+    cv::Point2f off_place(cv::Point2f shift) const;
+
     const scene_pictures& scene_;
     const case_pictures& pictures_;
-    bool plain_, leave_out_lost_;
-    const seen_object* seen_ = nullptr;  // under the case's zoom and angle
-    cv::Point2f offset_;  // of a plain move's middle from --at, which is a whole number
+    view view_;
+    bool leave_out_lost_;
+    const seen_object& seen_;
 };
-
-// The source where the case puts it, resampled by OpenCV.
-peer_input make_peer_input(const scene_pictures& scene, const quality_case& which,
-                           const case_pictures& pictures, const std::string& folder);
 
 #endif
