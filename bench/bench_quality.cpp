@@ -2,6 +2,7 @@
 #include <stdlib.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -18,8 +19,8 @@
 namespace {
 
 struct options {
-    std::vector<std::string> command;
-    std::string folder = "quality", scenes, cases;
+    std::vector<std::string> command, scenes, cases;
+    std::string folder = "quality";
     int set = 1;
     bool peers = false, rows = false, with_lost = false, discard = false;
 };
@@ -84,8 +85,11 @@ void run_case(const options& chosen, const quality_scene& scene, const scene_pic
     }
 }
 
-bool is_chosen(const std::string& name, const std::string& pattern) {
-    return name.find(pattern) != std::string::npos;
+// Without parts, any name.
+bool is_chosen(const std::string& name, const std::vector<std::string>& parts) {
+    return parts.empty() || std::any_of(parts.begin(), parts.end(), [&](const std::string& part) {
+               return name.find(part) != std::string::npos;
+           });
 }
 
 void run_scene(const options& chosen, const quality_scene& scene, scene_object* object,
@@ -135,8 +139,11 @@ int main(int argc, char** argv) {
                    "folder for all pictures, commands, logs and results.csv");
     app.add_option("--set", chosen.set, "1, or 2 for the scenes that are not for tuning")
         ->check(CLI::Range(1, 2));
-    app.add_option("--scenes", chosen.scenes, "only those whose name contains this");
-    app.add_option("--cases", chosen.cases, "only those whose name contains this");
+    app.add_option("--scenes", chosen.scenes,
+                   "only those whose name contains one of these, with commas between")
+        ->delimiter(',')
+        ->allow_extra_args(false);
+    app.add_option("--cases", chosen.cases, "the same for cases")->delimiter(',')->allow_extra_args(false);
     app.add_flag("--peers", chosen.peers, "other blends on the same pictures");
     app.add_flag("--rows", chosen.rows, "also print every scene's figures");
     app.add_flag("--discard", chosen.discard, "keep no pictures");

@@ -32,30 +32,44 @@ trace() {
   fi
 }
 
-# photo SCENE WIDTH HEIGHT SEED: renders, softens like a lens, adds film grain.
+# photo SCENE WIDTH HEIGHT SEED: renders, adds film grain.
 photo() {
   name=$1
   trace "$name" "$2" "$3" "$scratch/$name.png"
-  vips gaussblur "$scratch/$name.png" "$scratch/soft.v" 0.5
   vips gaussnoise "$scratch/noise.v" "$2" "$3" --mean 0 --sigma 3.5 --seed "$4"
   vips gaussblur "$scratch/noise.v" "$scratch/grain.v" 0.6
-  vips add "$scratch/soft.v" "$scratch/grain.v" "$scratch/sum.v"
+  vips add "$scratch/$name.png" "$scratch/grain.v" "$scratch/sum.v"
   vips cast "$scratch/sum.v" "$scratch/photo.v" uchar
   vips jpegsave "$scratch/photo.v" "$results/$name.jpg" --Q 90 --optimize-coding --strip
   report "$name.jpg"
 }
 
-# mask SCENE WIDTH HEIGHT: renders the white object and grows it by about 7
-# pixels: 3 by a maximum filter, the rest by cutting a blur at an eighth.
-mask() {
-  name=$1
-  trace "$name" "$2" "$3" "$scratch/mask.png" Declare=Mask=1
-  vips extract_band "$scratch/mask.png" "$scratch/band.v" 0
-  vips rank "$scratch/band.v" "$scratch/wide.v" 7 7 48
-  vips gaussblur "$scratch/wide.v" "$scratch/blur.v" 3.5
-  vips linear --uchar -- "$scratch/blur.v" "$scratch/grown.v" 6 -64
-  vips pngsave "$scratch/grown.v" "$results/$name-mask.png" --compression 9 --strip
-  report "$name-mask.png"
+# coverage SCENE WIDTH HEIGHT RESULT: how much of each pixel the object covers, by 64 rays.
+coverage() {
+  trace "$1" $((8 * $2)) $((8 * $3)) "$scratch/fine.png" -A Declare=Mask=1
+  vips extract_band "$scratch/fine.png" "$scratch/band.v" 0
+  vips shrink "$scratch/band.v" "$4" 8 8
+}
+
+# shadow SCENE WIDTH HEIGHT RESULT: which part of the ground's light the jar takes away, in the
+# channel that loses most. A few levels of the whole beach's light are no shadow.
+shadow() {
+  trace "$1" "$2" "$3" "$scratch/lit.png" +FN16 Declare=Jar=0
+  trace "$1" "$2" "$3" "$scratch/shaded.png" +FN16 Declare=Jar=2
+  vips divide "$scratch/shaded.png" "$scratch/lit.png" "$scratch/left.v"
+  for channel in 0 1 2; do
+    vips extract_band "$scratch/left.v" "$scratch/left$channel.v" "$channel"
+  done
+  vips bandrank "$scratch/left0.v $scratch/left1.v $scratch/left2.v" "$scratch/least.v" --index 0
+  vips linear --uchar -- "$scratch/least.v" "$scratch/taken.v" -255 255
+  vips rank "$scratch/taken.v" "$scratch/clean.v" 3 3 4
+  vips linear --uchar -- "$scratch/clean.v" "$scratch/steep.v" 2 -16
+  vips bandrank "$scratch/clean.v $scratch/steep.v" "$4" --index 0
+}
+
+save_mask() {
+  vips pngsave "$1" "$results/$2" --compression 9 --strip
+  report "$2"
 }
 
 report() {
@@ -64,8 +78,17 @@ report() {
     "$(wc -c < "$path") bytes"
 }
 
-mask balloon 900 700
-mask vase 900 700
+coverage balloon 900 700 "$scratch/balloon.v"
+save_mask "$scratch/balloon.v" balloon-mask.png
+# The jar, and its shadow where the jar does not hide it.
+coverage vase 900 700 "$scratch/jar.v"
+shadow vase 900 700 "$scratch/shadow.v"
+vips invert "$scratch/jar.v" "$scratch/open.v"
+vips multiply "$scratch/shadow.v" "$scratch/open.v" "$scratch/seen.v"
+vips linear "$scratch/seen.v" "$scratch/share.v" -- 0.00392156862745098 0
+vips add "$scratch/jar.v" "$scratch/share.v" "$scratch/sum.v"
+vips linear --uchar -- "$scratch/sum.v" "$scratch/vase.v" 1 0
+save_mask "$scratch/vase.v" vase-mask.png
 photo balloon 900 700 1
 photo lake 1280 853 2
 photo dunes 1280 853 3

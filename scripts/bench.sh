@@ -14,7 +14,7 @@ for option in "$@"; do
     esac
 done
 
-need_packages g++ cmake make libbenchmark-dev nlohmann-json3-dev libopencv-dev gnuplot-nox
+need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev gnuplot-nox enblend
 build=${BUILD_DIR:-$root/build}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
 programs=(bench_rows bench_pyramid bench_calls)
@@ -39,8 +39,9 @@ if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
     files+=("$results/bench_memory.json")
 fi
 
-# Throughput of the command line: the same small job over and over, in one and in two processes.
+rm -f "$results/batch.txt" "$results/quality.txt"
 if cmake --build "$build" -j "$(nproc)" --target imageblend_tool >"$results/tool.log" 2>&1; then
+    # Throughput of the command line: the same small job over and over, in one and in two processes.
     echo "running batch"
     batch=$(mktemp -d)
     trap 'rm -r "$batch"' EXIT
@@ -52,10 +53,22 @@ if cmake --build "$build" -j "$(nproc)" --target imageblend_tool >"$results/tool
         "$build/imageblend" batch "$batch/jobs.jsonl" --overwrite --jobs $jobs 2>&1 | tail -n 1 |
             sed "s/^.*jobs.jsonl/batch of 1280x853 pictures, --jobs $jobs/"
     done >"$results/batch.txt"
+
+    # What comes out of it, on scenes that it was not tuned on.
+    echo "running bench_quality"
+    scenes=(); ! $quick || scenes=(--scenes lamp-dark_wall)
+    cmake --build "$build" -j "$(nproc)" --target bench_quality
+    "$build/bench/bench_quality" "$build/imageblend" --set 2 --peers --discard \
+        "${scenes[@]}" --out "$results/quality" >"$results/quality.txt"
 fi
 
 "$build/bench/bench_table" --plot "$results/plot.dat" "${files[@]}" | tee "$results/table.txt"
 [ ! -e "$results/batch.txt" ] || { echo; echo "Command line"; sed 's/^/  /' "$results/batch.txt"; }
+if [ -e "$results/quality.txt" ]; then
+    echo
+    echo "Quality, mean differences in CIELAB (each case: $results/quality.txt)"
+    sed -n '/^All cases/,$p' "$results/quality.txt"
+fi
 if ! $quick && ! grep -q nan "$results/plot.dat"; then
     gnuplot -e "data='$results/plot.dat'; picture='$root/docs/bench.svg'" "$root/bench/plot.gp"
     echo "drawing: $root/docs/bench.svg"

@@ -29,7 +29,6 @@ camera {
   union {
     object { Balloon_cloth }
     object { Balloon_basket }
-    object { Balloon_gap pigment { color rgb 1 } finish { ambient 1 } }
     transform { Balloon_place }
   }
   background { color rgb 0 }

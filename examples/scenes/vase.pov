@@ -1,7 +1,9 @@
 // Source: a glazed jar standing in pale beach sand in soft sunlight.
-// Declare=Mask=1 renders jar and contact shadow white on black.
+// Declare=Mask=1 renders what is seen of the jar white on black.
+// Declare=Jar=0 leaves the jar out, Declare=Jar=2 leaves its shadow alone.
 #version 3.7;
 #ifndef (Mask) #declare Mask = 0; #end
+#ifndef (Jar) #declare Jar = 1; #end
 #ifndef (Rays) #declare Rays = 36; #end
 global_settings {
   assumed_gamma 1.0
@@ -55,25 +57,12 @@ camera {
   }
 
 #if (Mask)
-  // The jar above the sand, the sand heaped round it and its soft shadow.
   object {
     Jar_shape
     transform { Jar_place }
     texture { pigment { color rgb 1 } finish { ambient 1 diffuse 0 } }
   }
-  object {
-    Sand_relief
-    texture {
-      pigment {
-        function {
-          select(min(pow((x - 0.02) / 0.14, 2) + pow((z + 0.01) / 0.13, 2),
-            pow((x - 0.20) / 0.29, 2) + pow((z - 0.10) / 0.16, 2)) - 1, 0.9, 0.1)
-        }
-        color_map { [0.5 color rgb 0] [0.5 color rgb 1] }
-      }
-      finish { ambient 1 diffuse 0 }
-    }
-  }
+  object { Sand_relief texture { pigment { color rgb 0 } finish { ambient 0 diffuse 0 } } }
   background { color rgb 0 }
 #else
   light_source {
@@ -108,7 +97,14 @@ camera {
     Sand_relief
     Sand_texture(Rgb255(176, 137, 96), Rgb255(232, 198, 153), 0.006)
   }
-  object { Jar_shape texture { Jar_texture } transform { Jar_place } }
+  #if (Jar)
+    object {
+      Jar_shape
+      texture { Jar_texture }
+      transform { Jar_place }
+      #if (Jar = 2) no_image no_reflection #end
+    }
+  #end
 
   // A scatter of small stones, none near the jar or right behind it.
   #declare Rnd = seed(97);
