@@ -36,7 +36,7 @@ void save(const std::string& path, const cv::Mat& picture) {
     if (!cv::imwrite(path, picture)) throw std::runtime_error("cannot write " + path);
 }
 
-// The blend by the command line; an empty picture where it fails.
+// The blend by the command line; an empty picture where it fails. `start` begins all file names.
 cv::Mat run_command(const options& chosen, const quality_case& which, const case_pictures& pictures,
                     const std::string& start) {
     const std::string source = start + "source.png", destination = start + "../destination.png";
@@ -74,7 +74,9 @@ void run_case(const options& chosen, const quality_scene& scene, const scene_pic
     };
     save(folder + "exact.png", truths.at_shift({0, 0}).composite);
     if (!chosen.command.empty()) {
-        note(chosen.command.front(), run_command(chosen, which, pictures, folder), true);
+        const cv::Mat result = run_command(chosen, which, pictures, folder);
+        const bool usable = result.size() == painted.destination.size();
+        note(chosen.command.front(), usable ? result : cv::Mat(), true);
     }
     if (peers.empty()) return;
     const peer_input input = truths.make_peer_input(folder);
@@ -143,7 +145,9 @@ int main(int argc, char** argv) {
                    "only those whose name contains one of these, with commas between")
         ->delimiter(',')
         ->allow_extra_args(false);
-    app.add_option("--cases", chosen.cases, "the same for cases")->delimiter(',')->allow_extra_args(false);
+    app.add_option("--cases", chosen.cases, "the same for cases")
+        ->delimiter(',')
+        ->allow_extra_args(false);
     app.add_flag("--peers", chosen.peers, "other blends on the same pictures");
     app.add_flag("--rows", chosen.rows, "also print every scene's figures");
     app.add_flag("--discard", chosen.discard, "keep no pictures");

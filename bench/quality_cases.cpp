@@ -22,21 +22,24 @@ cv::Mat make_mask(const scene_pictures& scene, const quality_case& which) {
     return mask;
 }
 
-// A part is lost where the mask ends more than `reach` from it: too much for rounded corners and
-// the lens blur alone. A gap is lost where the mask fills it deeper than it is wide of the outline.
+// A part is lost where the mask ends too far from it for rounded corners and the lens blur alone, a
+// gap where the mask fills it deeper than it lies outside of the outline.
 cv::Mat find_lost(const cv::Mat& exact, const quality_case& which, const cv::Mat& mask) {
     cv::Mat distance, lost;
     if (which.exact_mask || which.widening == 0.0f) return cv::Mat::zeros(exact.size(), CV_8U);
+    const auto grown = [&](int side) {
+        cv::dilate(lost, lost, cv::getStructuringElement(cv::MORPH_ELLIPSE, {side, side}));
+        return lost;
+    };
     if (which.widening < 0.0f) {
-        const float reach = 4.0f - which.widening;
         cv::distanceTransform(mask < 128, distance, cv::DIST_L2, cv::DIST_MASK_PRECISE);
-        return (distance > reach) & (exact > 0);
+        lost = (distance > 4.0f - which.widening) & (exact > 0);
+        return grown(3);
     }
     cv::distanceTransform(mask >= 128, distance, cv::DIST_L2, cv::DIST_MASK_PRECISE);
     lost = (distance > which.widening + 1.0f) & (exact == 0);
     // With its soft border.
-    cv::dilate(lost, lost, cv::getStructuringElement(cv::MORPH_ELLIPSE, {9, 9}));
-    return lost & (exact < 255);
+    return grown(9) & (exact < 255);
 }
 
 cv::Mat cut_out(const scene_pictures& scene, material kind) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-enum { FRACTION_BITS = 4 };
+constexpr int FRACTION_BITS = 4;
 
 // OpenCV's drawing functions take the middle of a pixel as a whole number.
 cv::Point fine(cv::Point2f point) {

@@ -9,7 +9,7 @@
 #include <vector>
 
 // Pixels of a drawing for one pixel of a photo, in each direction.
-enum { FINE = 8 };
+constexpr int FINE = 8;
 
 // All lengths below are pixels of the photo, all colours blue, green, red from 0 to 255.
 struct drawing {

@@ -59,12 +59,12 @@ seen_object see(const drawing& object, const view& how) {
 }
 
 cv::Mat signed_distance(const drawing& object, cv::Point corner) {
-    cv::Mat cover = cv::Mat::zeros(SOURCE_SIZE * static_cast<int>(FINE), CV_8U);
+    cv::Mat cover = cv::Mat::zeros(SOURCE_SIZE * FINE, CV_8U);
     object.cover.copyTo(cover(cv::Rect(corner, object.cover.size())));
     cv::Mat outside, inside, coarse(SOURCE_SIZE, CV_32F);
     cv::distanceTransform(~cover, outside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
     cv::distanceTransform(cover, inside, cv::DIST_L2, cv::DIST_MASK_PRECISE);
-    const cv::Mat fine = (outside - inside) / static_cast<double>(FINE);
+    const cv::Mat fine = (outside - inside) / FINE;
     for (int y = 0; y < coarse.rows; y++) {
         for (int x = 0; x < coarse.cols; x++) {
             coarse.at<float>(y, x) = fine.at<float>(y * FINE + FINE / 2, x * FINE + FINE / 2);
@@ -125,8 +125,8 @@ scene_object::scene_object(const std::string& name) : name_(name), shape_(draw_o
     origin_ = {(SOURCE_SIZE.width - samples.cols / FINE) / 2 + 3,
                (SOURCE_SIZE.height - samples.rows / FINE) / 2 - 2};
     const cv::Size room = samples.size() - shape_.cover.size();
-    distance_ = signed_distance(
-        shape_, origin_ * static_cast<int>(FINE) + cv::Point(room.width / 2, room.height / 2));
+    distance_ =
+        signed_distance(shape_, origin_ * FINE + cv::Point(room.width / 2, room.height / 2));
 }
 
 const seen_object& scene_object::seen(const view& how) {
