@@ -63,7 +63,7 @@ shadow() {
   vips bandrank "$scratch/left0.v $scratch/left1.v $scratch/left2.v" "$scratch/least.v" --index 0
   vips linear --uchar -- "$scratch/least.v" "$scratch/taken.v" -255 255
   vips rank "$scratch/taken.v" "$scratch/clean.v" 3 3 4
-  vips linear --uchar -- "$scratch/clean.v" "$scratch/steep.v" 2 -16
+  vips linear --uchar -- "$scratch/clean.v" "$scratch/steep.v" 2 -24
   vips bandrank "$scratch/clean.v $scratch/steep.v" "$4" --index 0
 }
 
