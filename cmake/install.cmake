@@ -2,13 +2,8 @@
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/imageblend)
-set(installed_libraries imageblend)
-if(NOT ANDROID)
-    # Needed beside the library; its header serves the project alone.
-    list(APPEND installed_libraries log)
-endif()
 
-install(TARGETS ${installed_libraries} EXPORT imageblend-targets
+install(TARGETS imageblend EXPORT imageblend-targets
         LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(FILES include/imageblend.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
@@ -29,8 +24,6 @@ configure_file(cmake/imageblend.pc.in ${PROJECT_BINARY_DIR}/imageblend.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/imageblend.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
 if(TARGET imageblend_tool)
-    file(RELATIVE_PATH bin_to_lib ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-    set_target_properties(imageblend_tool PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
     install(TARGETS imageblend_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(FILES docs/imageblend.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
     install(FILES tools/completion/imageblend.bash RENAME imageblend

@@ -40,8 +40,10 @@
  * one blend.
  *
  * DIAGNOSTICS. Messages go to the Android log under the tag "IMAGE_BLENDING". On other platforms
- * a small stand-in for liblog prints them to standard error from the priority that the environment
- * variable IMAGEBLEND_LOG names (debug, info, warn or error), and nothing when it is not set.
+ * they go to the program's own function __android_log_print(int priority, const char* tag, const
+ * char* format, ...) if it has one; else a small stand-in inside the library prints them to standard
+ * error from the priority that the environment variable IMAGEBLEND_LOG names (debug, info, warn or
+ * error), and nothing when it is not set.
  * Threads that cannot be started or joined are reported on standard output.
  */
 #ifndef IMAGEBLEND_H

@@ -1,49 +1,57 @@
 // The stand-in for Android's logging: see android/log.h.
+#define _POSIX_C_SOURCE 200809L
 #include <android/log.h>
 #include <stdarg.h>
 #include <stdatomic.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 static _Atomic(__android_logger_function) current_logger;
 
+// The program's own function of that name; null when it has none.
+extern int print_of_program(int prio, const char* tag, const char* fmt,
+                            ...) __asm__("__android_log_print")
+    __attribute__((weak, format(printf, 3, 4)));
+
 // The lowest priority to print; above every priority when the variable names none.
 static int lowest_printed(void) {
-    static const char* const names[] = {"",     "",     "verbose", "debug",
-                                        "info", "warn", "error",   "fatal"};
+    static const char names[][8] = {"verbose", "debug", "info", "warn", "error", "fatal"};
     const char* value = getenv("IMAGEBLEND_LOG");
-    if (value == NULL || value[0] == '\0') return ANDROID_LOG_SILENT;
-    for (int priority = ANDROID_LOG_VERBOSE; priority <= ANDROID_LOG_FATAL; priority++) {
-        if (strcmp(value, names[priority]) == 0) return priority;
+    if (value == NULL) return ANDROID_LOG_SILENT;
+    for (int i = 0; i < 6; i++) {
+        if (strcmp(value, names[i]) == 0) return ANDROID_LOG_VERBOSE + i;
     }
     if (value[0] >= '2' && value[0] <= '7' && value[1] == '\0') return value[0] - '0';
     return ANDROID_LOG_SILENT;
 }
 
-static void print_line(int priority, const char* tag, const char* message) {
-    static const char letters[] = "??VDIWEF";
-    const char letter = priority >= 0 && priority <= ANDROID_LOG_FATAL ? letters[priority] : '?';
-    size_t length = strlen(message);
+// Prints a line of `length` bytes, without the ends of line that it brings.
+static void print_line(int priority, const char* tag, const char* message, int length) {
+    const char letter = priority >= 0 && priority <= ANDROID_LOG_FATAL ? "??VDIWEF"[priority] : '?';
     while (length > 0 && message[length - 1] == '\n')
         length--;
-    fprintf(stderr, "%c %s: %.*s\n", letter, tag, (int)length, message);
+    dprintf(STDERR_FILENO, "%c %s: %.*s\n", letter, tag, length, message);
 }
 
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     const __android_logger_function logger = atomic_load(&current_logger);
-    if (logger == NULL && prio < lowest_printed()) return 0;
+    if (logger == NULL && print_of_program == NULL && prio < lowest_printed()) return 0;
     char message[1024];
     va_list arguments;
     va_start(arguments, fmt);
-    vsnprintf(message, sizeof message, fmt, arguments);
+    int length = vsnprintf(message, sizeof message, fmt, arguments);
     va_end(arguments);
-    if (logger == NULL) {
-        print_line(prio, tag, message);
-    } else {
+    if (length >= (int)sizeof message) length = (int)sizeof message - 1;
+    if (logger != NULL) {
         const struct __android_log_message line = {
             sizeof(struct __android_log_message), 0, prio, tag, NULL, 0, message};
         logger(&line);
+    } else if (print_of_program != NULL) {
+        return print_of_program(prio, tag, "%s", message);
+    } else {
+        print_line(prio, tag, message, length);
     }
     return 1;
 }

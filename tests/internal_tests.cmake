@@ -21,10 +21,9 @@ add_executable(internal_tests
     $<TARGET_OBJECTS:imageblend_core>)
 # The library's headers come first: both trees have folders of the same names.
 target_include_directories(internal_tests PRIVATE
-    $<TARGET_PROPERTY:imageblend_core,INCLUDE_DIRECTORIES>
-    $<TARGET_PROPERTY:log,INTERFACE_INCLUDE_DIRECTORIES>)
+    $<TARGET_PROPERTY:imageblend_core,INCLUDE_DIRECTORIES>)
 target_link_libraries(internal_tests PRIVATE
-    imageblend_flags test_support GTest::gtest_main m)
+    imageblend_flags test_support imageblend_liblog GTest::gtest_main m)
 # pool/faults.cpp takes these calls over.
 foreach(function malloc calloc free pthread_create pthread_join pthread_mutex_init
                  pthread_cond_init)

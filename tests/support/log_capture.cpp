@@ -1,6 +1,5 @@
 #include "log_capture.h"
 
-#include <android/log.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <string.h>
@@ -17,7 +16,10 @@ model::log_lines lines;
 
 }  // namespace
 
-extern "C" int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
+extern "C" int __android_log_print(int prio, const char* tag, const char* fmt, ...)
+    __attribute__((format(printf, 3, 4)));
+
+int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
     char text[2048];
     va_list arguments;
     va_start(arguments, fmt);

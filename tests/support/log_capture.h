@@ -1,5 +1,5 @@
-// Catches the library's log lines. The support library defines __android_log_print; linked into an
-// executable with exported symbols this definition comes before that of liblog.so.
+// Catches the library's log lines. The support library defines __android_log_print, which a program
+// may have to receive them; towards the shared library the executable must export it.
 #ifndef IMAGEBLEND_TESTS_LOG_CAPTURE_H
 #define IMAGEBLEND_TESTS_LOG_CAPTURE_H
 
