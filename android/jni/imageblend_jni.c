@@ -127,32 +127,51 @@ static jintArray create_icon_buffers(JNIEnv* env, jclass type, jobject source, j
     return done ? size_result(env, size) : NULL;
 }
 
+// Where an object is to stand.
+typedef struct placement {
+    jint center_x, center_y;
+    jfloat zoom, angle;
+} placement;
+
+static jint verdict_on(const blend_image* mask, const placement* at) {
+    return vorn_verify_icon_pos(mask->data, mask->width, mask->height, 0, 0, at->center_x,
+                                at->center_y, at->zoom, at->angle);
+}
+
+static jint blend_at(const blend_image* icon, const blend_image* destination,
+                     const blend_image* mask, blend_image* output, const placement* at) {
+    return vorn_imageBlending(icon, destination, mask, output, 0, 0, at->center_x, at->center_y,
+                              at->zoom, at->angle);
+}
+
 static jint verify_position(JNIEnv* env, jclass type, jbyteArray mask, jint width, jint height,
                             jint center_x, jint center_y, jfloat zoom, jfloat angle) {
     (void)type;
-    uint8_t* copy = copy_mask(env, mask, width * height);
-    if (copy == NULL) return -1;
-    const jint verdict =
-        vorn_verify_icon_pos(copy, width, height, 0, 0, center_x, center_y, zoom, angle);
-    free(copy);
+    const placement at = {center_x, center_y, zoom, angle};
+    const blend_image image = image_of(width, height, copy_mask(env, mask, width * height));
+    if (image.data == NULL) return -1;
+    const jint verdict = verdict_on(&image, &at);
+    free(image.data);
     return verdict;
 }
 
-// The destination's copy serves as the output.
+// A blend that the library refuses for its size keeps memory, so the question comes first. What the
+// check lets pass is never larger than the frame. The destination's copy serves as the output.
 static jint blend_ints(JNIEnv* env, jclass type, jintArray icon, jintArray destination,
                        jbyteArray mask, jintArray output, jint width, jint height, jint center_x,
                        jint center_y, jfloat zoom, jfloat angle) {
     (void)type;
+    const placement at = {center_x, center_y, zoom, angle};
     const jsize count = width * height;
     jint status = -1;
     blend_image mask_image = image_of(width, height, copy_mask(env, mask, count));
     blend_image icon_image = image_of(width, height, NULL);
     blend_image output_image = image_of(width, height, NULL);
-    if (mask_image.data != NULL) icon_image.data = load_pixels(env, icon, count);
+    if (mask_image.data != NULL && verdict_on(&mask_image, &at) >= 0)
+        icon_image.data = load_pixels(env, icon, count);
     if (icon_image.data != NULL) output_image.data = load_pixels(env, destination, count);
     if (output_image.data != NULL) {
-        status = vorn_imageBlending(&icon_image, &output_image, &mask_image, &output_image, 0, 0,
-                                    center_x, center_y, zoom, angle);
+        status = blend_at(&icon_image, &output_image, &mask_image, &output_image, &at);
         if (status == 0) store_pixels(env, output_image.data, output, count);
     }
     free(output_image.data);
@@ -186,8 +205,10 @@ static jint blend_buffers(JNIEnv* env, jclass type, jobject icon, jint icon_offs
     }
     blend_image mask_image = image_of(width, height, copy_mask(env, mask, width * height));
     if (mask_image.data == NULL) return -1;
-    const jint status = vorn_imageBlending(&icon_image, &destination_image, &mask_image,
-                                           &output_image, 0, 0, center_x, center_y, zoom, angle);
+    const placement at = {center_x, center_y, zoom, angle};
+    jint status = verdict_on(&mask_image, &at);
+    if (status >= 0)
+        status = blend_at(&icon_image, &destination_image, &mask_image, &output_image, &at);
     free(mask_image.data);
     return status;
 }

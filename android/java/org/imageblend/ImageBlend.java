@@ -13,7 +13,8 @@ import java.nio.ByteBuffer;
  *   <li>{@code int[]}: one pixel an int, 0xAARRGGBB without premultiplied alpha, as Android's
  *       Bitmap.getPixels gives them. They are copied in and out.
  *   <li>direct {@code ByteBuffer}: four bytes a pixel, A, R, G, B in memory, from the buffer's
- *       position to its limit, which stay as they are. They are used where they are.
+ *       position to its limit, which stay as they are. They are used where they are. Position and
+ *       limit are read once, when the call begins.
  * </ul>
  *
  * <p>The mask has one byte a pixel: 0 is outside the object, anything else inside, 255 shows the
@@ -74,12 +75,14 @@ public final class ImageBlend {
     public static int[] createIcon(
         ByteBuffer source, byte[] mask, int width, int height, ByteBuffer icon) {
         checkMask(mask, width, height);
-        checkFrame("source", source, width, height);
+        final int sourceOffset = frameOffset("source", source, width, height);
         if (icon == null) throw nullArgument("icon", "a direct buffer for the object's pixels");
         checkDirect("icon", icon);
         checkWritable("icon", icon);
-        return nativeCreateIconBuffers(source, source.position(), mask, width, height, icon,
-            icon.position(), icon.remaining());
+        final int iconOffset = icon.position();
+        final int iconBytes = icon.limit() - iconOffset;
+        return nativeCreateIconBuffers(
+            source, sourceOffset, mask, width, height, icon, iconOffset, iconBytes);
     }
 
     /**
@@ -99,8 +102,9 @@ public final class ImageBlend {
      * @param output receives the destination with the object; the pixels of the rectangle around
      *     the object get alpha 255, the others keep the destination's. May be the same array as
      *     {@code destination} or {@code icon}
-     * @return false when the placement is refused: the zoomed object is larger than the frame, or
-     *     the library ran out of memory (its log tells which). The output is untouched then
+     * @return false when the placement is refused, as {@link #verifyPosition} tells, which is asked
+     *     first: the zoomed object is larger than the frame, or the library ran out of memory (its
+     *     log tells which). The output is untouched then, and all memory of the call is given back
      */
     public static boolean blend(int[] icon, int[] destination, byte[] mask, int[] output, int width,
         int height, int centerX, int centerY, float zoom, float angle) {
@@ -120,21 +124,20 @@ public final class ImageBlend {
      *
      * @param output as above; where it is not the very memory of {@code destination} or
      *     {@code icon}, it must not overlap them
-     * @return as above, but a refused blend may have copied the destination to the output
+     * @return as above, but a blend without memory may have copied the destination to the output
      * @see #blend(int[], int[], byte[], int[], int, int, int, int, float, float)
      */
     public static boolean blend(ByteBuffer icon, ByteBuffer destination, byte[] mask,
         ByteBuffer output, int width, int height, int centerX, int centerY, float zoom,
         float angle) {
         checkMask(mask, width, height);
-        checkFrame("icon", icon, width, height);
-        checkFrame("destination", destination, width, height);
-        checkFrame("output", output, width, height);
+        final int iconOffset = frameOffset("icon", icon, width, height);
+        final int destinationOffset = frameOffset("destination", destination, width, height);
+        final int outputOffset = frameOffset("output", output, width, height);
         checkWritable("output", output);
         synchronized (BLEND_LOCK) {
-            return nativeBlendBuffers(icon, icon.position(), destination, destination.position(),
-                       mask, output, output.position(), width, height, centerX, centerY, zoom,
-                       angle)
+            return nativeBlendBuffers(icon, iconOffset, destination, destinationOffset, mask,
+                       output, outputOffset, width, height, centerX, centerY, zoom, angle)
                 == 0;
         }
     }
@@ -155,11 +158,16 @@ public final class ImageBlend {
         checkLength(name, frame.length, "ints", (long) width * height, needs);
     }
 
-    private static void checkFrame(String name, ByteBuffer frame, int width, int height) {
+    // Where the frame begins. Another thread may move the buffer's position and limit at any time,
+    // so what was checked is what is used: no limit is ever beyond the buffer's memory.
+    private static int frameOffset(String name, ByteBuffer frame, int width, int height) {
         final String needs = frameOf("bytes", 4, width, height);
         if (frame == null) throw nullArgument(name, needs);
         checkDirect(name, frame);
-        checkLength(name, frame.remaining(), "bytes", 4L * width * height, needs);
+        final int begin = frame.position();
+        final int end = frame.limit();
+        checkLength(name, end - begin, "bytes", 4L * width * height, needs);
+        return begin;
     }
 
     private static void checkDirect(String name, Buffer buffer) {
