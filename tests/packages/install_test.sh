@@ -1,43 +1,46 @@
 #!/usr/bin/env bash
-# install_test.sh BUILD CMAKE CC: installs a build, moves it, and builds a consumer against its CMake
-# package and another against its pkg-config file.
+# install_test.sh BUILD CMAKE CC: installs a build, moves it, and builds the example program against
+# its CMake package, its pkg-config file and by hand.
 set -euo pipefail
 build=$1 cmake=$2
-consumer=$(cd "$(dirname "$0")" && pwd)/consumer
-work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
 export CC=$3
+source "$(dirname "$0")/helpers.sh"
 
-fail() {
-    echo "FAILED: $*"
-    exit 1
-}
-
-DESTDIR='' "$cmake" --install "$build" --prefix "$work/first" >/dev/null
+DESTDIR='' quietly "$cmake" --install "$build" --prefix "$work/first"
 mv "$work/first" "$work/moved here"
 prefix="$work/moved here"
+library=$(find "$prefix" -name 'libimageblend.so')
+[ -n "$library" ] || fail "no library was installed"
+libraries=$(dirname "$library")
+strays=$(find "$prefix" -name 'lib*' ! -name 'libimageblend*')
+[ "${strays:-$prefix/lib}" = "$prefix/lib" ] || fail "foreign names were installed: $strays"
+for licence in "$prefix"/share/doc/*; do
+    cmp "$root/LICENSE" "$licence/LICENSE"
+done
+
+quietly "$cmake" -S "$example" -B "$work/found" -DCMAKE_PREFIX_PATH="$prefix"
+quietly "$cmake" --build "$work/found"
+blends "$work/found/blend"
 version=$(sed -n 's/^#define IMAGEBLEND_VERSION_[A-Z]* //p' "$prefix/include/imageblend.h" |
     paste -sd.)
-major=${version%%.*}
+mkdir "$work/older"
+printf 'cmake_minimum_required(VERSION 3.22)\nproject(older LANGUAGES C)
+find_package(imageblend %s.0 CONFIG REQUIRED)\n' $((${version%%.*} - 1)) >"$work/older/CMakeLists.txt"
+"$cmake" -S "$work/older" -B "$work/older" -DCMAKE_PREFIX_PATH="$prefix" >"$log" 2>&1 &&
+    fail "version $version passes for the major one before it"
 
-# configure VERSION: as a project that asks for that version of the package.
-configure() {
-    "$cmake" -S "$consumer" -B "$work/consumer-$1" -DCMAKE_PREFIX_PATH="$prefix" \
-        -Dwanted_version="$1" 2>&1
-}
-configure "$version" >"$work/log" || fail "$(cat "$work/log")"
-grep -q "imageblend_VERSION=$version$" "$work/log" || fail "$(cat "$work/log")"
-"$cmake" --build "$work/consumer-$version" >"$work/log" 2>&1 || fail "$(cat "$work/log")"
-said=$("$work/consumer-$version/consumer")
-[ "$said" = "$version 2x1" ] || fail "the CMake consumer says $said"
-configure $((major - 1)).0 >"$work/log" && fail "version $version passes for the major one before it"
-
-pc=$(cd "$prefix" && find . -name imageblend.pc)
-PKG_CONFIG_PATH=$(dirname "$prefix/$pc")
-export PKG_CONFIG_PATH
+export PKG_CONFIG_PATH=$libraries/pkgconfig
 [ "$(pkg-config --modversion imageblend)" = "$version" ] || fail "pkg-config gives another version"
 # pkg-config escapes the blank in the folder's name for the shell.
-eval "$CC $consumer/main.c -o $work/consumer $(pkg-config --cflags --libs imageblend)"
-libraries=$(dirname "$prefix/$pc")/..
-said=$(LD_LIBRARY_PATH=$libraries "$work/consumer")
-[ "$said" = "$version 2x1" ] || fail "the pkg-config consumer says $said"
+eval "quietly $CC $example/blend.c -o $work/configured $(pkg-config --cflags --libs imageblend)"
+blends env LD_LIBRARY_PATH="$libraries" "$work/configured"
+quietly "$CC" -std=c99 -Wall -Wextra -Werror "$example/blend.c" -o "$work/by-hand" \
+    -I"$prefix/include" -L"$libraries" -limageblend -Wl,-rpath,"$libraries"
+blends "$work/by-hand"
+
+# What was not built is not installed.
+quietly "$cmake" -S "$root" -B "$work/subset" -DCMAKE_BUILD_TYPE=Debug
+quietly "$cmake" --build "$work/subset" --target imageblend -j 2
+quietly "$cmake" --install "$work/subset" --prefix "$work/part"
+[ -n "$(find "$work/part" -name libimageblend.so)" ] || fail "the library alone was not installed"
+[ -z "$(find "$work/part" -name 'imageblend' -type f -perm -u+x)" ] || fail "a program came from nowhere"
