@@ -13,6 +13,7 @@ import zipfile
 
 ROOT = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..")
 HEADER = os.path.join(ROOT, "include", "imageblend.h")
+LICENCE = os.path.join(ROOT, "LICENSE")
 MACHINES = {"arm64-v8a": "AArch64", "x86_64": "Advanced Micro Devices X86-64"}
 EXPORTS = {
     "libimageblend.so": {"vorn_get_icon_size", "vorn_create_rgb_icon", "vorn_verify_icon_pos",
@@ -33,7 +34,7 @@ MANIFEST_SDK = "{http://schemas.android.com/apk/res/android}minSdkVersion"
 
 
 def expected_names():
-    names = {"AndroidManifest.xml", "R.txt", "classes.jar", "proguard.txt", "prefab/prefab.json",
+    names = {"AndroidManifest.xml", "LICENSE", "R.txt", "classes.jar", "proguard.txt", "prefab/prefab.json",
              MODULE + "module.json", MODULE + "include/imageblend.h"}
     for abi in MACHINES:
         names |= {f"jni/{abi}/{library}" for library in EXPORTS}
@@ -69,9 +70,12 @@ def library_faults(path, abi, library):
     soname = re.findall(r"\(SONAME\).*\[(.+)\]", dynamic)
     if soname != [library]:
         yield f"has the soname {soname}, must be {library}"
-    foreign = set(re.findall(r"\(NEEDED\).*\[(.+)\]", dynamic)) - NEEDED[library]
+    needed = set(re.findall(r"\(NEEDED\).*\[(.+)\]", dynamic))
+    foreign = needed - NEEDED[library]
     if foreign:
         yield f"needs {sorted(foreign)}, may need only {sorted(NEEDED[library])}"
+    if library == "libimageblend.so" and "liblog.so" not in needed:
+        yield "does not need liblog.so, so its log would not be Android's"
     symbols = re.findall(r" (?:FUNC|OBJECT) +(?:GLOBAL|WEAK) +DEFAULT +\d+ (\w+)",
                          readelf(path, "--dyn-syms"))
     if set(symbols) != EXPORTS[library]:
@@ -107,9 +111,10 @@ def prefab_faults(aar):
                                             "static": False})
         if not isinstance(json.loads(aar.read(name)).get("ndk"), int):
             yield f"{name} has no number for ndk"
-    with open(HEADER, "rb") as header:
-        if aar.read(MODULE + "include/imageblend.h") != header.read():
-            yield MODULE + "include/imageblend.h differs from include/imageblend.h"
+    for name, source in ((MODULE + "include/imageblend.h", HEADER), ("LICENSE", LICENCE)):
+        with open(source, "rb") as original:
+            if aar.read(name) != original.read():
+                yield f"{name} differs from {os.path.relpath(source, ROOT)}"
 
 
 def java_faults(aar):

@@ -3,7 +3,8 @@
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"
 need_packages "${build_packages[@]}"
-cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=Release
+cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_TESTS=OFF \
+    -DIMAGEBLEND_BUILD_BENCH=OFF -DIMAGEBLEND_BUILD_JAVA=OFF
 cmake --build "$root/build" -j "$(nproc)" --target imageblend_tool
 
 examples=$root/examples

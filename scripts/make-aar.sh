@@ -1,9 +1,5 @@
 #!/usr/bin/env bash
-# make-aar.sh [--libs FOLDER --ndk MAJOR] [FILE]: packs FILE, out/imageblend.aar if not given.
-#
-# Builds the libraries with the NDK that ANDROID_NDK_HOME names, r26 or newer, or takes them from
-# FOLDER/arm64-v8a and FOLDER/x86_64 as built by NDK release MAJOR. The same sources give the same
-# bytes: dates come from SOURCE_DATE_EPOCH, which is the last commit's time if not set.
+# Packs imageblend.aar; make-aar.sh --help says how.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 abis=(arm64-v8a x86_64)
@@ -13,12 +9,33 @@ fail() {
     exit 2
 }
 
+print_help() {
+    cat <<END
+usage: scripts/make-aar.sh [--libs FOLDER --ndk MAJOR] [FILE]
+
+Packs the Android archive FILE (out/imageblend.aar if not given) for arm64-v8a and x86_64 and checks
+that it is whole.
+
+  --libs FOLDER  take the libraries from FOLDER/arm64-v8a and FOLDER/x86_64 instead of building them
+  --ndk MAJOR    the release of the NDK that built them, for instance 26
+  --help         print this and exit
+
+Environment:
+  ANDROID_NDK_HOME   the folder of an Android NDK, r26 or newer, that builds the libraries
+  SOURCE_DATE_EPOCH  every date in the archive, the last commit's time if not set; the same sources
+                     and the same NDK give the same bytes
+
+Needs CMake 3.22 and the Debian packages openjdk-17-jdk-headless, python3 and binutils.
+END
+}
+
 libs='' ndk_major='' output=''
 while [ $# -gt 0 ]; do
     case $1 in
-        --libs) libs=${2:?"--libs needs a folder"}; shift 2 ;;
-        --ndk) ndk_major=${2:?"--ndk needs a number"}; shift 2 ;;
-        -*) fail "unknown option $1" ;;
+        --help | -h) print_help; exit 0 ;;
+        --libs) [ $# -ge 2 ] || fail "--libs needs a folder"; libs=$2; shift 2 ;;
+        --ndk) [ $# -ge 2 ] || fail "--ndk needs a number"; ndk_major=$2; shift 2 ;;
+        -*) fail "unknown option $1 (see make-aar.sh --help)" ;;
         *) output=$1; shift ;;
     esac
 done
@@ -100,7 +117,7 @@ for abi in "${abis[@]}"; do
         install -D -m 644 "$libs/$abi/$name" "$stage/jni/$abi/$name"
     done
 done
-cp "$root"/android/aar/* "$stage/"
+cp "$root"/android/aar/* "$root/LICENSE" "$stage/"
 : >"$stage/R.txt"
 pack_classes
 write_prefab

@@ -2,19 +2,37 @@
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
+# run_apt LOG ARGUMENT...: as root. What apt says is shown if it fails.
+run_apt() {
+    local log=$1 as_root=()
+    shift
+    if [ "$(id -u)" -ne 0 ]; then as_root=(sudo); fi
+    if ! "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get -q "$@" >"$log" 2>&1; then
+        cat "$log" >&2
+        echo "${0##*/}: apt-get $1 failed" >&2
+        return 1
+    fi
+}
+
 # need_packages NAME...: installs those that are not there, with sudo when not root.
 need_packages() {
-    local missing=() as_root=()
+    local missing=() log status=0
     for name in "$@"; do
         dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' ||
             missing+=("$name")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
-    echo "installing: ${missing[*]}"
-    if [ "$(id -u)" -ne 0 ]; then as_root=(sudo); fi
-    "${as_root[@]}" apt-get update -qq
-    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
-        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+    echo "installing Debian packages with what they need, which may take some minutes:"
+    echo "  ${missing[*]}"
+    if [ "$(id -u)" -ne 0 ] && ! command -v sudo >/dev/null; then
+        echo "${0##*/}: run it as root, or install sudo, or install these packages first" >&2
+        return 1
+    fi
+    log=$(mktemp)
+    run_apt "$log" update &&
+        run_apt "$log" install -y --no-install-recommends "${missing[@]}" || status=1
+    rm -f "$log"
+    return $status
 }
 
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)

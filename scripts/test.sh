@@ -3,6 +3,7 @@
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"
 need_packages "${build_packages[@]}" "${test_packages[@]}"
-cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_TESTS=ON
+cmake -S "$root" -B "$root/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_TESTS=ON \
+    -DIMAGEBLEND_BUILD_BENCH=ON -DIMAGEBLEND_BUILD_JAVA=ON
 cmake --build "$root/build" -j "$(nproc)"
 ctest --test-dir "$root/build" --output-on-failure -j "$(nproc)"

@@ -17,7 +17,8 @@ fault() {
 }
 
 four='int vorn_get_icon_size(void){return 0;} int vorn_create_rgb_icon(void){return 0;}
-int vorn_verify_icon_pos(void){return 0;} int vorn_imageBlending(void){return 0;}'
+int __android_log_print(void); int vorn_verify_icon_pos(void){return __android_log_print();}
+int vorn_imageBlending(void){return 0;}'
 
 # library FILE SOURCE OPTION...: a stub of 16 KB pages for x86_64.
 library() {
@@ -27,7 +28,8 @@ library() {
 }
 set_machine() { printf %b "$2\x00" | dd of="$1" bs=1 seek=18 conv=notrunc status=none; }
 
-library libimageblend.so "$four"
+library liblog.so 'int __android_log_print(void){return 0;}'
+library libimageblend.so "$four" -llog
 library libimageblend_jni.so 'int vorn_get_icon_size(void); int JNI_OnLoad(void);
 int JNI_OnLoad(void){return vorn_get_icon_size();}' -limageblend
 mkdir -p libs/arm64-v8a libs/x86_64
@@ -65,6 +67,8 @@ broken 'differs from the one in jni/x86_64' "echo >>$prefab/libs/android.x86_64/
 broken "has stl 'c++_shared'" "sed -i s/none/c++_shared/ $prefab/libs/android.arm64-v8a/abi.json"
 broken "has version '0.9'" 'sed -i "s/\"[0-9.]*\", \"dep/\"0.9\", \"dep/" prefab/prefab.json'
 broken 'imageblend.h differs' "echo >>$prefab/include/imageblend.h"
+broken 'LICENSE is missing' 'rm LICENSE'
+broken 'LICENSE differs' 'sed -i s/2026/2025/ LICENSE'
 broken 'has package org.other' 'sed -i s/org.imageblend/org.other/ AndroidManifest.xml'
 broken "has minSdkVersion ['21']" 'sed -i s/24/21/ AndroidManifest.xml'
 broken 'proguard.txt does not keep' 'sed -i s/native/public/ proguard.txt'
@@ -72,7 +76,7 @@ broken 'classes.jar holds' 'touch R; jar uf classes.jar R; rm R'
 
 # broken_library MESSAGE SOURCE OPTION...: the same with another libimageblend.so.
 broken_library() {
-    library libimageblend.so "${@:2}"
+    library libimageblend.so "${@:2}" -llog
     broken "$1" "cp ../libimageblend.so $jni; cp $jni $prefab/libs/android.x86_64/"
 }
 broken_library 'has segments aligned to 4096' "$four" -Wl,-z,max-page-size=4096
@@ -82,7 +86,11 @@ broken_library 'has no BIND_NOW flag' "$four" -Wl,-z,lazy
 broken_library "has the soname ['libother.so']" "$four" -Wl,-soname,libother.so
 library libc++_shared.so 'int cxx(void){return 0;}'
 broken_library "needs ['libc++_shared.so']" "$four" -Wl,--no-as-needed -l:libc++_shared.so
+library libimageblend.so "${four//__android_log_print/vorn_get_icon_size}"
+broken 'does not need liblog.so' "cp ../libimageblend.so $jni; cp $jni $prefab/libs/android.x86_64/"
 
+"$root/scripts/make-aar.sh" --help >message
+grep -q ANDROID_NDK_HOME message && grep -q -e '--libs FOLDER' message || fault "no help"
 # Without an NDK: one line that names the variable, and no file.
 status=0
 ANDROID_NDK_HOME='' "$root/scripts/make-aar.sh" none.aar >message 2>&1 || status=$?

@@ -17,6 +17,13 @@ strays=$(find "$prefix" -name 'lib*' ! -name 'libimageblend*')
 for licence in "$prefix"/share/doc/*; do
     cmp "$root/LICENSE" "$licence/LICENSE"
 done
+# The jar's times do not tell when it was packed.
+jar=$(find "$prefix" -name imageblend.jar)
+if [ -n "$jar" ]; then
+    listing=$("$cmake" -E tar tvf "$jar")
+    grep -q META-INF/LICENSE <<<"$listing" || fail "the jar has no licence: $listing"
+    ! grep -v ' 1980 ' <<<"$listing" || fail "the jar has other times: $listing"
+fi
 
 quietly "$cmake" -S "$example" -B "$work/found" -DCMAKE_PREFIX_PATH="$prefix"
 quietly "$cmake" --build "$work/found"
