@@ -45,6 +45,22 @@ quietly "$CC" -std=c99 -Wall -Wextra -Werror "$example/blend.c" -o "$work/by-han
     -I"$prefix/include" -L"$libraries" -limageblend -Wl,-rpath,"$libraries"
 blends "$work/by-hand"
 
+# The preparation is a static library on top, in the same packages.
+if [ -e "$libraries/libimageblend_prepare.a" ]; then
+    mkdir "$work/prepare"
+    printf '#include <imageblend_prepare.h>\nint main(void) { return imageblend_paste(0, 0, 0) != -1; }\n' \
+        >"$work/prepare/main.c"
+    printf 'cmake_minimum_required(VERSION 3.22)\nproject(prepare LANGUAGES C)
+find_package(imageblend CONFIG REQUIRED)\nadd_executable(main main.c)
+target_link_libraries(main PRIVATE imageblend::imageblend_prepare)\n' >"$work/prepare/CMakeLists.txt"
+    quietly "$cmake" -S "$work/prepare" -B "$work/prepare" -DCMAKE_PREFIX_PATH="$prefix"
+    quietly "$cmake" --build "$work/prepare"
+    quietly "$work/prepare/main"
+    eval "quietly $CC $work/prepare/main.c -o $work/prepared \
+        $(pkg-config --cflags --libs imageblend_prepare)"
+    quietly env LD_LIBRARY_PATH="$libraries" "$work/prepared"
+fi
+
 # What was not built is not installed.
 quietly "$cmake" -S "$root" -B "$work/subset" -DCMAKE_BUILD_TYPE=Debug
 quietly "$cmake" --build "$work/subset" --target imageblend -j 2
