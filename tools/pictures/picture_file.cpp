@@ -3,8 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace tool {
 namespace {
@@ -124,8 +126,10 @@ std::string vips_message(const vips::VError& error) {
 }
 
 bool is_lack_of_memory(const std::string& message) {
-    return message.find("memory") != std::string::npos ||
-           message.find("creating thread") != std::string::npos;
+    constexpr const char* texts[] = {"ut of memory", "nsufficient memory", "allocat",
+                                     "creating thread"};
+    return std::any_of(std::begin(texts), std::end(texts),
+                       [&](const char* text) { return message.find(text) != std::string::npos; });
 }
 
 void fail_reading(const std::string& path, const vips::VError& error) {
