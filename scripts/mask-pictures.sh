@@ -20,7 +20,7 @@ jar() { blend vase dunes "$1" --at "$2" --zoom 0.75 "${@:3}"; }
 
 # caption TEXT WIDTH: a strip with the text in $folder/caption.png
 caption() {
-    vips text "$folder/letters.v" "$1" --font "DejaVu Sans 14" --dpi 72
+    vips text --font "DejaVu Sans 14" --dpi 72 -- "$folder/letters.v" "$1"
     vips invert "$folder/letters.v" "$folder/dark.v"
     vips gravity "$folder/dark.v" "$folder/caption.png" centre "$2" 30 --extend white
 }
@@ -48,15 +48,16 @@ side=before balloon "$balloon_mask" --as-is
 side=after balloon "$balloon_mask"
 picture as-is 630 190 "--as-is" "prepared"
 
-# Without the shadow, which is darker than half in the mask.
-vips linear --uchar -- "$jar_mask" "$folder/no-shadow.png" 2 -255
+# Without the shadow, which is far below 192. The dark part of a shadow counts to the object's box, so
+# the two are given other middles.
+vips relational_const "$jar_mask" "$folder/no-shadow.png" moreeq 192
 side=before jar "$folder/no-shadow.png" 640,500
-side=after jar "$jar_mask" 700,500
-picture shadow 560 480 "the mask has the jar" "the mask has its shadow, too"
+side=after jar "$jar_mask" 662,500
+picture shadow 585 480 "the mask has the jar" "the mask has its shadow, too"
 
-side=before jar "$folder/no-shadow.png" 640,500 --surroundings 0
-side=after jar "$folder/no-shadow.png" 640,500 --surroundings 24
-picture surroundings 560 480 "--surroundings 0" "--surroundings 24"
+side=before jar "$jar_mask" 662,500 --surroundings 0
+side=after jar "$jar_mask" 662,500 --surroundings 24
+picture surroundings 585 480 "--surroundings 0" "--surroundings 24"
 
 # Where a wide blur is still above a sixth, which lies 6 pixels outside of the outline.
 vips gaussblur "$balloon_mask" "$folder/blurred.v" 6
