@@ -58,8 +58,11 @@ cv::Mat run_command(const options& chosen, const quality_case& which, const case
     for (size_t i = 1; i < chosen.command.size(); i++)
         line += " " + quoted(chosen.command[i]);
     std::ofstream(start + "command") << line << "\n";
-    if (system((line + " > " + quoted(start + "log") + " 2>&1").c_str()) != 0) return {};
-    return cv::imread(result, cv::IMREAD_COLOR);
+    const int status = system((line + " > " + quoted(start + "log") + " 2>&1").c_str());
+    if (status == 0) return cv::imread(result, cv::IMREAD_COLOR);
+    std::cerr << "status " << status << ": " << line << "\n"
+              << std::ifstream(start + "log").rdbuf() << "\n";
+    return {};
 }
 
 void run_case(const options& chosen, const quality_scene& scene, const scene_pictures& painted,
