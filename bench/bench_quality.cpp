@@ -79,7 +79,8 @@ void run_case(const options& chosen, const quality_scene& scene, const scene_pic
     if (!chosen.command.empty()) {
         const cv::Mat result = run_command(chosen, which, pictures, folder);
         const bool usable = result.size() == painted.destination.size();
-        note(chosen.command.front(), usable ? result : cv::Mat(), true);
+        const std::string name = std::filesystem::path(chosen.command.front()).filename();
+        note(name, usable ? result : cv::Mat(), true);
     }
     if (peers.empty()) return;
     const peer_input input = truths.make_peer_input(folder);
