@@ -1,5 +1,7 @@
 // The command line: arguments, dispatch and exit statuses.
+#include <fcntl.h>
 #include <imageblend.h>
+#include <unistd.h>
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
@@ -223,6 +225,14 @@ tool::Exit dispatch(const Commands& commands, Arguments& arguments) {
     return tool::run_cutout(job.object, job.output);
 }
 
+// Files that are opened later must not take the numbers of standard streams that are closed.
+void open_standard_streams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) >= 0) continue;
+        if (open("/dev/null", O_RDWR) < 0) _exit(static_cast<int>(tool::Exit::internal));
+    }
+}
+
 // CLI11 would only say that a command is missing.
 std::string unknown_command(const CLI::App& app, const std::string& word) {
     std::string names;
@@ -272,6 +282,7 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    open_standard_streams();
     try {
         return run(argc, argv);
     } catch (...) {
