@@ -16,7 +16,7 @@ run_apt() {
 
 # need_packages NAME...: installs those that are not there, with sudo when not root.
 need_packages() {
-    local missing=() log status=0
+    local missing=() as_root=() log status=0
     for name in "$@"; do
         dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' ||
             missing+=("$name")
@@ -28,6 +28,13 @@ need_packages() {
         echo "${0##*/}: run it as root, or install sudo, or install these packages first" >&2
         return 1
     fi
+    if [[ " ${missing[*]} " == *" openssh-server "* ]]; then
+        # A test runs servers of its own; this keeps Debian from running one for the system.
+        echo "the system's ssh server stays off until /etc/ssh/sshd_not_to_be_run is removed"
+        [ "$(id -u)" -eq 0 ] || as_root=(sudo)
+        "${as_root[@]}" mkdir -p /etc/ssh
+        "${as_root[@]}" touch /etc/ssh/sshd_not_to_be_run
+    fi
     log=$(mktemp)
     run_apt "$log" update &&
         run_apt "$log" install -y --no-install-recommends "${missing[@]}" || status=1
@@ -37,4 +44,4 @@ need_packages() {
 
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libvips-tools parallel procps imagemagick openjdk-17-jdk-headless junit4
-    python3 binutils strace dpkg-dev file)
+    python3 binutils strace dpkg-dev file openssh-client openssh-server)

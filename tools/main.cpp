@@ -137,6 +137,16 @@ void define_batch(CLI::App& batch, tool::BatchArguments& arguments) {
         ->type_name("N")
         ->check(CLI::Range(1, 1024));
     batch.add_flag("--overwrite", arguments.overwrite, "blend jobs whose output exists, too");
+    batch
+        .add_option("--first-line", arguments.first_line,
+                    "number of the first line in messages, when JOBS is a part (default: 1)")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber);
+    batch
+        .add_option("--report", arguments.report_file,
+                    "add a JSON line for each job to this file: what became of it, its placement, "
+                    "warnings and milliseconds")
+        ->type_name("FILE");
     batch.footer(
         "Fields of a job: source, destination, output, and if wanted mask, at ([X, Y],\n"
         "numbers or strings such as \"50%\"), anchor, zoom, angle, surroundings, grow, fit, as_is\n"
@@ -147,8 +157,9 @@ void define_batch(CLI::App& batch, tool::BatchArguments& arguments) {
         "\"out.jpg\", \"at\": [900, 640]}' >jobs.jsonl\n"
         "  imageblend batch jobs.jsonl --jobs 4\n"
         "On many machines that share a folder, with GNU parallel:\n"
-        "  parallel --pipe -N 100 --sshlogin one,two --wd \"$PWD\" imageblend batch - "
-        "<jobs.jsonl\n");
+        "  parallel --pipe -N 100 --retries 3 --joblog parts.log --sshlogin one,two --wd \"$PWD\" "
+        "\\\n"
+        "    imageblend batch - --first-line '{= $_=100*(seq()-1)+1 =}' <jobs.jsonl\n");
 }
 
 Commands define(CLI::App& app, Arguments& arguments) {

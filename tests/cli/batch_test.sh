@@ -1,32 +1,6 @@
 #!/usr/bin/env bash
-# batch_test.sh IMAGEBLEND: job files, broken jobs, interrupted runs and many processes.
-# IMAGEBLEND_BATCH_JOBS sets the number of jobs of the larger runs.
-source "$(dirname "$0")/helpers.sh"
-jobs=${IMAGEBLEND_BATCH_JOBS:-200}
-
-flat white.png 64 48 255 3
-rectangle bar.png 64 48 10 10 30 20
-vips bandjoin "white.png bar.png" cut.png
-flat black.png 96 72 0 3
-
-# many FOLDER: a job file whose outputs go there
-many() {
-    mkdir -p "$1"
-    local i
-    for ((i = 0; i < jobs; i++)); do
-        printf '{"source":"cut.png","destination":"black.png","output":"%s/%04d.png","at":[%d,%d]}\n' \
-            "$1" "$i" $((i % 96)) $((i % 72))
-    done >"$1.jsonl"
-}
-# complete FOLDER: all outputs are those of the reference
-complete() { diff -rq reference "$1" >differences || fail "$1: $(head -n 3 differences)"; }
-
-reference() {
-    many reference
-    SECONDS=0
-    run 0 batch reference.jsonl && says "$jobs blended, 0 failed"
-    echo "$jobs jobs in $SECONDS s"
-}
+# batch_test.sh IMAGEBLEND: job files, broken jobs, lost processes, the report and the bar.
+source "$(dirname "$0")/batch_helpers.sh"
 
 # Jobs and what is said of them; @ stands for a source and a destination.
 lines() {
@@ -38,7 +12,12 @@ lines() {
 {@, "output": "a.png", "colour": 1} => colour: no such field
 {"source": "cut.png", "destination": 5, "output": "b.png"} => destination: must be a string, not 5
 {"source": "cut.png", "output": "c.png"} => destination: is missing
+{@, "output": "c\u0000.png"} => output: holds a zero character
+{@, "output": ""} => output: must not be empty
 {@, "output": "d.png", "at": [1, 2.5]} => at: must be two whole numbers
+{@, "output": "d.png", "at": [1, 2147483648]} => at: 2147483648 is out of range
+{@, "output": "d.png", "at": [-2147483649, 1]} => at: -2147483649 is out of range
+{@, "output": "d.png", "at": [1]} => at: must be two whole numbers
 {@, "output": "e.png", "zoom": -1} => zoom -1: must be
 {@, "output": "f.png", "soft": "yes"} => soft: must be true or false
 {@, "source": "none.png", "output": "g.png"} => source: is given twice
@@ -46,40 +25,108 @@ lines() {
 {@, "output": "i.xyz"} => i.xyz failed: i.xyz: no kind of image file
 {@, "output": "there.png"}
 {@, "output": "./good.png"} => output: ./good.png is the output of line 1 already
+{@, "output": "same/good.png[compression=1]"} => output: same/good.png[compression=1] is the output of line 1 already
+{@, "output": "link.png"} => output: link.png is the output of line 1 already
+{@, "output": "none/good.png"} => none/good.png failed: none/good.png: cannot be written
 {@, "mask": "bar.png", "soft": true, "output": "last.png", "at": [9, 9]} => warning: last.png: a seam
 END
     sed 's/ => .*//; s/@/"source": "cut.png", "destination": "black.png"/' table >jobs.jsonl
     truncate -s -1 jobs.jsonl # no line end after the last job
     cp white.png there.png
-    run 3 batch jobs.jsonl
+    ln -s . same && ln -s same/good.png link.png
+    run 3 batch jobs.jsonl --report report.jsonl
     while read -r message; do
         says "$message"
     done < <(grep -n ' => ' table | sed 's/^\([0-9]*\):.* => /jobs.jsonl:\1: /')
-    says "2 blended, 1 skipped as the output exists, 12 failed"
+    says "2 blended, 1 skipped as the output exists, 20 failed, 2 warnings in"
     cmp -s white.png there.png || fail "an existing output was touched"
     "$tool" blend cut.png black.png single.png --at 50,40 --zoom 0.5 2>err
     cmp -s single.png good.png || fail "a batch blends differently"
     [ "$(find . -name '?.png' | wc -l)" -eq 0 ] || fail "a failed job has an output"
     no_leftovers
 
-    run 0 batch --overwrite - < <(sed -n 14p jobs.jsonl)
+    grep -n there.png jobs.jsonl | sed 's/^[0-9]*://' >there.jsonl
+    run 0 batch --overwrite - <there.jsonl
     says "standard input: 1 blended, 0 failed"
     ! cmp -s white.png there.png || fail "the output was not overwritten"
     run 0 batch /dev/null
     run 66 batch none.jsonl && says "none.jsonl: cannot be read"
     run 64 batch jobs.jsonl --jobs 0
+    sed '1,2s/.*//' table >part
+    run 3 batch - --first-line 101 <part && says "standard input:104: not JSON"
+}
+
+# One JSON object for each job of the run above, in whatever order.
+report() {
+    python3 - report.jsonl <<'END' || fail "the report"
+import json, sys
+jobs = {job["line"]: job for job in map(json.loads, open(sys.argv[1]))}
+by_output = {job["output"]: job for job in jobs.values()}
+assert len(jobs) == 23, len(jobs)
+good, there, last = (by_output[name] for name in ("good.png", "there.png", "last.png"))
+assert good["status"] == "blended" and good["warnings"] == 0 and good["milliseconds"] > 0, good
+assert good["placement"] == {"at": [50, 40], "verdict": "fits with full margins"}, good
+assert last["warnings"] == 2 and "seam" in last["placement"]["verdict"], last
+assert there["status"] == "skipped" and there["placement"] is None, there
+assert by_output["h.png"]["status"] == jobs[2]["status"] == "failed", jobs[2]
+assert by_output["h.png"]["reason"].startswith("none.png: cannot be read"), by_output["h.png"]
+assert jobs[2]["reason"].startswith("not JSON") and jobs[2]["placement"] is None, jobs[2]
+END
+    run 0 batch --overwrite --report - there.jsonl && [ "$(grep -c '^{"line":1,' out)" -eq 1 ] ||
+        fail "no report on standard output"
+    run 73 batch --overwrite --report /dev/full there.jsonl
+    says "/dev/full: cannot be written: No space" && says "1 blended"
+    run 73 batch --report none/report there.jsonl && says "none/report: cannot be written"
+}
+
+# A line of a million bytes is a job; a longer one is not, and takes no memory.
+long_lines() {
+    mkdir long
+    local begin='{"source":"cut.png","destination":"black.png","output":"long/1.png"'
+    {
+        printf '%s%*s\n' "$begin" $((1000000 - ${#begin})) '}'
+        printf '%s%*s\n' "${begin/1/2}" $((1000001 - ${#begin})) '}'
+        sed 's/reference/long/; q' reference.jsonl
+        head -c 300000000 /dev/zero | tr '\0' x
+    } >long.jsonl
+    (ulimit -v 200000 && exec "$tool" batch long.jsonl 2>err)
+    [ $? -eq 3 ] || fail "status with long lines"
+    says "long.jsonl:2: job: must not be longer than 1 MB"
+    says "long.jsonl:4: job: must not be longer than 1 MB"
+    says "2 blended, 2 failed"
+}
+
+# Those that can be started do the work. With none, the summary tells what is left.
+too_few_processes() {
+    many few
+    (ulimit -n 24 && exec "$tool" batch few.jsonl --jobs 64 2>err) || fail "status $?"
+    grep -qE 'only [1-9] of 64 processes can be started: .*Too many open files' err ||
+        fail "no message"
+    says "$jobs blended, 0 failed"
+    complete few
+    (ulimit -n 5 && exec "$tool" batch few.jsonl --overwrite --jobs 2 2>err)
+    [ $? -eq 70 ] || fail "status without processes"
+    says "only 0 of 2 processes" && says "0 blended, 0 failed" && says "; broken off: the same"
+}
+
+# Files do not take the numbers of standard streams that are closed.
+closed_streams() {
+    many closed
+    "$tool" batch closed.jsonl --jobs 2 <&- >&- 2>&- || fail "status $? with closed streams"
+    complete closed
+    "$tool" verify cut.png black.png <&- >&- 2>&- || fail "status $? of verify"
 }
 
 # A job whose process dies does not end the others.
 lost_process() {
-    mkfifo never.png
     {
         printf '{"source":"never.png","destination":"black.png","output":"lost/never.png"}\n'
         sed 's/"at.*/"zoom":0.5}/; s/reference/lost/; 5q' reference.jsonl
     } >lost.jsonl
     mkdir lost
-    "$tool" batch lost.jsonl --jobs 2 2>err &
+    "$tool" batch lost.jsonl --jobs 2 --report lost.report 2>err &
     wait_for 5 lost '[0-9]*.png'
+    until_true has_lines lost.report 5 # while the batch still runs
     kill -9 "$(pgrep -P $! | head -n 1)"
     wait $!
     [ $? -eq 3 ] || fail "status after a lost process"
@@ -88,73 +135,23 @@ lost_process() {
     find lost -name '.imageblend*' -delete # what kill -9 leaves behind
 }
 
-# start FOLDER: in a process group of its own, in which an interrupt is not ignored
-start() {
-    many "$1"
-    setsid env --default-signal=INT "$tool" batch "$1.jsonl" --jobs 2 2>err &
-    process=$!
-    last="batch $1.jsonl"
-    wait_for 20 "$1" '[0-9]*.png'
-}
-# resume FOLDER: no output is damaged, and the same command makes the missing ones.
-resume() {
-    local file
-    for file in "$1"/*.png; do
-        cmp -s "$file" "reference/${file#*/}" || fail "$file is damaged"
-    done
-    run 0 batch "$1.jsonl" --jobs 2 && says "skipped"
-    find "$1" -name '.imageblend*' -delete
-    complete "$1"
-}
-
-interrupts() {
-    start stopped
-    kill -INT -- -$process # as a terminal does: the command and its workers
-    wait $process
-    [ $? -eq 130 ] || fail "status of an interrupted batch"
-    says "interrupted" && says ", 0 failed" # the jobs at hand were finished
-    no_leftovers
-    resume stopped
-
-    start killed
-    kill -9 $process
-    wait $process 2>/dev/null
-    while pgrep -f "^$tool batch killed.jsonl" >/dev/null; do sleep 0.02; done
-    no_leftovers
-    resume killed
-
-    start group
-    kill -9 -- -$process
-    wait $process 2>/dev/null
-    resume group
-}
-
+# frames SCREEN: what the bar looked like, one state a line
+frames() { tr '\r' '\n' <"$1" | sed 's/\x1b\[K//g' | grep "/$jobs"; }
 terminal() {
     command -v script >/dev/null || return
     many seen
     script -qec "'$tool' batch seen.jsonl" /dev/null >screen
-    grep -qE '\[#+-*\] [0-9]+/'"$jobs"'  [0-9.]+/s  [0-9]+:[0-9]+ left' screen || fail "no progress bar"
+    frames screen | grep -qE '^\[#+-*\] [0-9]+/'"$jobs"'  [0-9.]+/s  [0-9]+:[0-9]+ left$' ||
+        fail "no progress bar"
     complete seen
+    rm -r seen
+    many seen
+    echo '{}' >>seen.jsonl
+    sed -i '1s/cut/none/' seen.jsonl
+    script -qec "stty cols 40; '$tool' batch seen.jsonl" /dev/null >screen
+    jobs=$((jobs + 1)) frames screen >narrow
+    grep -qE '^\[#*-+\] .* left  1 failed$' narrow || fail "no narrow bar: $(head -n 5 narrow)"
+    [ "$(wc -L <narrow)" -lt 40 ] || fail "the bar is wider than the terminal"
 }
 
-# The same file split among machines by GNU parallel: two names behind a stand-in for ssh, which
-# runs the command here.
-machines() {
-    command -v parallel >/dev/null || { echo "GNU parallel is not installed"; return; }
-    cat >ssh <<'END'
-#!/bin/sh
-while [ "$1" != one ] && [ "$1" != two ]; do shift; done
-echo "$1" >>hosts
-shift
-[ "$1" != -- ] || shift
-exec sh -c "$*"
-END
-    chmod +x ssh
-    many shared
-    PARALLEL_SSH=$work/ssh parallel --will-cite --pipe -N 25 --sshlogin 2/one,2/two --wd "$work" \
-        "$tool" batch - <shared.jsonl 2>err || fail "status $?"
-    [ "$(sort -u hosts | xargs)" = "one two" ] || fail "not all machines were used"
-    complete shared
-}
-
-groups reference lines lost_process interrupts terminal machines
+groups reference lines report long_lines too_few_processes closed_streams lost_process terminal

@@ -18,7 +18,8 @@ bool is_blank(char c) {
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path) : name_(path == "-" ? "standard input" : path) {
+LineReader::LineReader(const std::string& path, uint64_t first_line)
+    : name_(path == "-" ? "standard input" : path), next_number_(first_line) {
     if (path != "-") descriptor_ = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (descriptor_ < 0) {
         throw Error(Exit::no_input, path + ": cannot be read: " + std::strerror(errno));
@@ -29,24 +30,30 @@ LineReader::~LineReader() {
     if (descriptor_ > 0) close(descriptor_);
 }
 
-std::optional<std::string> LineReader::next() {
+std::optional<Line> LineReader::next() {
     while (!at_end()) {
         size_t end = buffer_.find('\n', position_);
         if (end == std::string::npos && !at_end_) break;
         if (end == std::string::npos) end = buffer_.size();
-        std::string line = buffer_.substr(position_, end - position_);
+        Line line{next_number_++, buffer_.substr(position_, end - position_), too_long_};
         position_ = std::min(end + 1, buffer_.size());
-        line_number_++;
-        while (!line.empty() && is_blank(line.back()))
-            line.pop_back();
-        if (line.find_first_not_of(" \t\r") != std::string::npos) return line;
+        too_long_ = false;
+        if (line.text.size() > max_line_bytes) line.too_long = true;
+        while (!line.text.empty() && is_blank(line.text.back()))
+            line.text.pop_back();
+        if (line.too_long) line.text.clear();
+        if (line.too_long || line.text.find_first_not_of(" \t\r") != std::string::npos) return line;
     }
     return std::nullopt;
 }
 
-bool LineReader::fill() {
+void LineReader::fill() {
     buffer_.erase(0, position_);
     position_ = 0;
+    if (buffer_.size() > max_line_bytes) {  // next() has found no end in it
+        buffer_.clear();
+        too_long_ = true;
+    }
     char block[65536];
     const ssize_t bytes = read(descriptor_, block, sizeof block);
     if (bytes < 0 && errno != EINTR && errno != EAGAIN) {
@@ -54,7 +61,6 @@ bool LineReader::fill() {
     }
     if (bytes > 0) buffer_.append(block, static_cast<size_t>(bytes));
     if (bytes == 0) at_end_ = true;
-    return !at_end_;
 }
 
 uint64_t LineReader::count_lines() const {

@@ -8,23 +8,29 @@
 
 namespace tool {
 
+struct Line {
+    uint64_t number;
+    std::string text;  // without its end
+    bool too_long;     // longer than max_line_bytes, and not kept
+};
+
+constexpr size_t max_line_bytes = 1'000'000;
+
 class LineReader {
   public:
-    // "-" is standard input.
-    explicit LineReader(const std::string& path);
+    // "-" is standard input. The first line has the number `first_line`.
+    LineReader(const std::string& path, uint64_t first_line);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    // The next line that is not blank, without its end; nothing when more must be read first.
-    std::optional<std::string> next();
-    // Reads once; false at the end of the file.
-    bool fill();
+    // The next line that is not blank; nothing when more must be read first.
+    std::optional<Line> next();
+    // Reads once. Keeps at most one line that is not ended yet, up to its limit.
+    void fill();
 
-    bool at_end() const { return at_end_ && position_ == buffer_.size(); }
+    bool at_end() const { return at_end_ && !too_long_ && position_ == buffer_.size(); }
     int descriptor() const { return descriptor_; }
-    // Of the line that next() gave last, from 1 on.
-    uint64_t line_number() const { return line_number_; }
     // For messages.
     const std::string& name() const { return name_; }
     // Lines that are not blank; 0 when this is not known before they are read.
@@ -34,9 +40,10 @@ class LineReader {
     std::string name_;
     int descriptor_ = 0;
     bool at_end_ = false;
+    bool too_long_ = false;  // the line at position_ has lost its beginning
     std::string buffer_;
     size_t position_ = 0;
-    uint64_t line_number_ = 0;
+    uint64_t next_number_;
 };
 
 }  // namespace tool

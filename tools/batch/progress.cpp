@@ -1,5 +1,6 @@
 #include "batch/progress.h"
 
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -9,7 +10,15 @@
 namespace tool {
 namespace {
 
-constexpr uint64_t bar_width = 24;
+constexpr size_t widest_bar = 24;
+constexpr size_t narrowest_bar = 6;
+constexpr size_t frame_of_bar = 3;  // "[" and "] "
+
+size_t terminal_columns() {
+    winsize size{};
+    const bool known = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return known ? size.ws_col : 80;
+}
 
 std::string duration(double seconds) {
     const auto whole = static_cast<unsigned long>(std::lround(std::max(seconds, 0.0)));
@@ -43,26 +52,38 @@ void Progress::clear_bar() {
     bar_shown_ = false;
 }
 
+// The bar and the counts; then failures, time left and rate as far as there is room.
+std::string Progress::bar(size_t columns) const {
+    const double rate = static_cast<double>(done()) / std::max(seconds(), 1e-3);
+    const std::string counts =
+        std::to_string(done()) + (total_ > 0 ? "/" + std::to_string(total_) : " jobs");
+    const size_t least_bar = total_ > 0 ? narrowest_bar + frame_of_bar : 0;
+    size_t used = counts.size() + least_bar;
+    const auto if_it_fits = [&](const std::string& part) {
+        if (used + part.size() > columns) return std::string();
+        used += part.size();
+        return part;
+    };
+    const std::string failures =
+        if_it_fits(failed > 0 ? "  " + std::to_string(failed) + " failed" : "");
+    const bool ends = total_ > done() && done() > 0;
+    const std::string left = if_it_fits(
+        ends ? "  " + duration(static_cast<double>(total_ - done()) / rate) + " left" : "");
+    const std::string speed = if_it_fits("  " + one_digit(rate) + "/s");
+    const std::string text = counts + speed + left + failures;
+    if (least_bar == 0 || used > columns) return text.substr(0, columns);
+    const size_t width = std::min(widest_bar, columns - text.size() - frame_of_bar);
+    const auto filled = static_cast<size_t>(std::min(done(), total_) * width / total_);
+    return "[" + std::string(filled, '#') + std::string(width - filled, '-') + "] " + text;
+}
+
 void Progress::draw() {
     const Clock::time_point now = Clock::now();
     if (!on_terminal_ || (bar_shown_ && now - drawn_ < std::chrono::milliseconds(100))) return;
     drawn_ = now;
-    const double rate = static_cast<double>(done()) / std::max(seconds(), 1e-3);
-    std::string text;
-    if (total_ > 0) {
-        const auto filled = static_cast<size_t>(std::min(done(), total_) * bar_width / total_);
-        text = "[" + std::string(filled, '#') + std::string(bar_width - filled, '-') + "] " +
-               std::to_string(done()) + "/" + std::to_string(total_);
-    } else {
-        text = std::to_string(done()) + " jobs";
-    }
-    text += "  " + one_digit(rate) + "/s";
-    if (total_ > done() && done() > 0) {
-        text += "  " + duration(static_cast<double>(total_ - done()) / rate) + " left";
-    }
-    if (failed > 0) text += "  " + std::to_string(failed) + " failed";
     clear_bar();
-    std::fputs(text.c_str(), stderr);
+    // A character in the last column would make some terminals begin a new line.
+    std::fputs(bar(terminal_columns() - 1).c_str(), stderr);
     bar_shown_ = true;
 }
 
@@ -72,17 +93,22 @@ void Progress::report(uint64_t line_number, const std::string& message) {
                  static_cast<unsigned long long>(line_number), message.c_str());
 }
 
-void Progress::summarise(bool interrupted) {
+void Progress::tell(const std::string& message) {
     clear_bar();
+    std::fprintf(stderr, "imageblend: %s: %s\n", name_.c_str(), message.c_str());
+}
+
+void Progress::summarise(const std::string& rest) {
     std::string text = std::to_string(blended) + " blended";
     if (skipped > 0) text += ", " + std::to_string(skipped) + " skipped as the output exists";
-    text += ", " + std::to_string(failed) + " failed in " + one_digit(seconds()) + " s";
+    text += ", " + std::to_string(failed) + " failed, " + std::to_string(warnings) +
+            (warnings == 1 ? " warning" : " warnings") + " in " + one_digit(seconds()) + " s";
     if (blended > 0) {
         text += " (" + one_digit(static_cast<double>(blended) / std::max(seconds(), 1e-3)) +
                 " a second)";
     }
-    if (interrupted) text += "; interrupted: the same command goes on from here";
-    std::fprintf(stderr, "imageblend: %s: %s\n", name_.c_str(), text.c_str());
+    if (!rest.empty()) text += "; " + rest + ": the same command goes on from here";
+    tell(text);
 }
 
 }  // namespace tool

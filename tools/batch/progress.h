@@ -13,19 +13,23 @@ class Progress {
     // A total of 0 is not known.
     Progress(const std::string& name, uint64_t total);
 
-    uint64_t blended = 0, skipped = 0, failed = 0;
+    uint64_t blended = 0, skipped = 0, failed = 0, warnings = 0;
 
     bool on_terminal() const { return on_terminal_; }
     // Draws the bar on a terminal, not more often than ten times a second.
     void draw();
     // Prints "imageblend: NAME:LINE: " and the message, above the bar.
     void report(uint64_t line_number, const std::string& message);
-    void summarise(bool interrupted);
+    // Prints "imageblend: NAME: " and the message, above the bar.
+    void tell(const std::string& message);
+    // `rest` says why jobs are left, or nothing.
+    void summarise(const std::string& rest);
 
   private:
     using Clock = std::chrono::steady_clock;
     uint64_t done() const { return blended + skipped + failed; }
     double seconds() const;
+    std::string bar(size_t columns) const;
     void clear_bar();
 
     std::string name_;

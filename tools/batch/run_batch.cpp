@@ -1,120 +1,141 @@
 // Runs the jobs of a file in worker processes.
 #include <poll.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <cmath>
 #include <csignal>
 #include <cstring>
-#include <filesystem>
-#include <unordered_map>
-#include <vips/vips8>
 
 #include "batch/job.h"
 #include "batch/line_reader.h"
+#include "batch/outputs.h"
 #include "batch/progress.h"
+#include "batch/report_file.h"
+#include "batch/stop.h"
 #include "batch/worker.h"
 
 namespace tool {
 namespace {
 
-namespace fs = std::filesystem;
-
-constexpr int stop_signals[] = {SIGINT, SIGTERM, SIGHUP};
-volatile sig_atomic_t stop_signal = 0;
-volatile sig_atomic_t stop_count = 0;
-
-void note_stop(int number) {
-    if (stop_signal == 0) stop_signal = number;
-    stop_count = stop_count + 1;
-}
-
-sigset_t catch_stop_signals() {
-    for (const int number : stop_signals) {
-        struct sigaction action {};
-        action.sa_handler = note_stop;
-        struct sigaction before {};
-        sigaction(number, nullptr, &before);
-        if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);  // nohup
-    }
-    // Held but for the polls, so that none gets lost between a look at stop_signal and a poll.
-    sigset_t held;
-    sigset_t before;
-    sigemptyset(&held);
-    for (const int number : stop_signals)
-        sigaddset(&held, number);
-    sigprocmask(SIG_BLOCK, &held, &before);
-    return before;
-}
+using Clock = std::chrono::steady_clock;
 
 struct Batch {
     const BatchArguments& arguments;
     sigset_t signals;  // as they were outside of the batch
     LineReader lines;
     Progress progress;
+    ReportFile report;
     std::vector<Worker> workers;
-    std::unordered_map<std::string, uint64_t> line_of_output;
+    Outputs outputs;
+    std::optional<Job> returned;  // by a worker that could not be started
 
     explicit Batch(const BatchArguments& given)
         : arguments(given),
-          signals(catch_stop_signals()),
-          lines(given.jobs_file),
+          signals(hold_stop_signals()),
+          lines(given.jobs_file, given.first_line),
           progress(lines.name(), lines.count_lines()),
+          report(given.report_file),
           workers(static_cast<size_t>(given.processes)) {}
 };
 
-// The file that is written, without libvips options in brackets.
-fs::path output_file(const std::string& output) {
-    char* const plain = vips_filename_get_filename(output.c_str());
-    fs::path path = fs::path(plain).lexically_normal();
-    g_free(plain);
-    return path;
+enum class Fate { blended, skipped, failed };
+
+void count(Progress& progress, Fate fate) {
+    if (fate == Fate::blended) progress.blended++;
+    if (fate == Fate::skipped) progress.skipped++;
+    if (fate == Fate::failed) progress.failed++;
 }
 
-// Whether the line is a job that is to run; anything else is counted at once.
-bool wants_run(Batch& batch, const std::string& line, std::string& output) {
-    const uint64_t number = batch.lines.line_number();
-    try {
-        output = parse_job(line).output;
-        const fs::path file = output_file(output);
-        const auto [first, is_first] = batch.line_of_output.emplace(file.string(), number);
-        if (!is_first) {
-            throw Error(Exit::usage, "output: " + output + " is the output of line " +
-                                         std::to_string(first->second) + " already");
-        }
-        std::error_code unreadable;
-        if (batch.arguments.overwrite || !fs::exists(file, unreadable)) return true;
-        batch.progress.skipped++;
-    } catch (const Error& error) {
-        batch.progress.failed++;
-        batch.progress.report(number, error.what());
-    }
+// A job that failed has a reason.
+void finish_job(Batch& batch, const Job& job, Fate fate, const WorkerReport& report,
+                const std::string& reason) {
+    constexpr const char* names[] = {"blended", "skipped", "failed"};
+    count(batch.progress, fate);
+    batch.progress.warnings += static_cast<uint64_t>(report.warnings);
+    for (const std::string& message : report.messages)
+        batch.progress.report(job.line_number, message);
+    batch.report.add({{"line", job.line_number},
+                      {"output", job.output},
+                      {"status", names[static_cast<int>(fate)]},
+                      {"reason", reason},
+                      {"placement", report.placement},
+                      {"warnings", report.warnings},
+                      {"milliseconds", report.milliseconds}});
     batch.progress.draw();
+}
+
+// Whether the line is a job that is to run; anything else is finished at once.
+bool wants_run(Batch& batch, const Line& line, Job& job) {
+    job = {line.number, line.text, ""};
+    try {
+        if (line.too_long) throw Error(Exit::usage, "job: must not be longer than 1 MB");
+        job.output = parse_job(line.text).output;
+        const uint64_t first = batch.outputs.claim(job.output, line.number);
+        if (first != 0) {
+            throw Error(Exit::usage, "output: " + job.output + " is the output of line " +
+                                         std::to_string(first) + " already");
+        }
+        if (batch.arguments.overwrite || !output_exists(job.output)) return true;
+        finish_job(batch, job, Fate::skipped, {}, "");
+    } catch (const Error& error) {
+        WorkerReport refusal;
+        refusal.messages.emplace_back(error.what());
+        finish_job(batch, job, Fate::failed, refusal, error.what());
+    }
     return false;
 }
 
-// Gives every idle worker a job. False when lines must be read first.
+// The next job that is to run; none when lines must be read first, at the end, and after a signal.
+std::optional<Job> next_job(Batch& batch) {
+    if (batch.returned) return std::exchange(batch.returned, std::nullopt);
+    Job job;
+    for (;;) {
+        notice_stop(batch.signals);
+        if (stop_signal() != 0) return std::nullopt;
+        const std::optional<Line> line = batch.lines.next();
+        if (!line) return std::nullopt;
+        if (wants_run(batch, *line, job)) return job;
+    }
+}
+
+size_t count_processes(const Batch& batch) {
+    return static_cast<size_t>(std::count_if(batch.workers.begin(), batch.workers.end(),
+                                             [](const Worker& worker) { return worker.pid >= 0; }));
+}
+
+// The batch goes on with the processes that there are.
+void give_up_starting(Batch& batch, const std::string& reason) {
+    for (Worker& worker : batch.workers)
+        worker.given_up = worker.pid < 0;
+    batch.progress.tell("only " + std::to_string(count_processes(batch)) + " of " +
+                        std::to_string(batch.workers.size()) +
+                        " processes can be started: " + reason);
+}
+
+// Gives every idle worker a job. Returns whether there are more jobs than workers.
 bool hand_out_jobs(Batch& batch) {
     for (size_t i = 0; i < batch.workers.size(); i++) {
-        Worker& worker = batch.workers[i];
-        while (!worker.busy) {
-            const std::optional<std::string> line = batch.lines.next();
-            if (!line) return batch.lines.at_end();
-            if (!wants_run(batch, *line, worker.output)) continue;
-            worker.line_number = batch.lines.line_number();
-            hand_out(batch.workers, i, *line, batch.signals);
+        if (batch.workers[i].busy || batch.workers[i].given_up) continue;
+        std::optional<Job> job = next_job(batch);
+        if (!job) return false;
+        try {
+            hand_out(batch.workers, i, *job, batch.signals);
+        } catch (const Error& error) {
+            batch.returned = std::move(job);
+            give_up_starting(batch, error.what());
         }
     }
     return true;
 }
 
-void finish_job(Batch& batch, Worker& worker) {
+void finish_worker(Batch& batch, Worker& worker) {
     WorkerReport report = take_report(worker);
-    (report.success ? batch.progress.blended : batch.progress.failed)++;
-    if (report.messages.empty() && !report.success) report.messages.emplace_back("unknown reason");
-    if (!report.success) report.messages.back().insert(0, worker.output + " failed: ");
-    for (const std::string& message : report.messages)
-        batch.progress.report(worker.line_number, message);
-    batch.progress.draw();
+    if (report.success) return finish_job(batch, worker.job, Fate::blended, report, "");
+    if (report.messages.empty()) report.messages.emplace_back("unknown reason");
+    const std::string reason = report.messages.back();
+    report.messages.back().insert(0, worker.job.output + " failed: ");
+    finish_job(batch, worker.job, Fate::failed, report, reason);
 }
 
 // Sleeps until a job is done, a line can be read or a signal comes.
@@ -136,40 +157,45 @@ void wait_for_news(Batch& batch, bool wants_lines) {
     batch.progress.draw();
     if (ready <= 0) return;
     for (size_t i = 0; i < owners.size(); i++) {
-        if (files[i].revents != 0) finish_job(batch, *owners[i]);
+        if (files[i].revents != 0) finish_worker(batch, *owners[i]);
     }
     if (wants_lines && files.back().revents != 0) batch.lines.fill();
 }
 
-bool any_busy(const Batch& batch) {
-    for (const Worker& worker : batch.workers) {
-        if (worker.busy) return true;
+bool is_busy(const Worker& worker) {
+    return worker.busy;
+}
+
+void run_jobs(Batch& batch) {
+    bool broken_off = false;
+    for (;;) {
+        const bool enough = stop_signal() != 0 || hand_out_jobs(batch);
+        const bool wants_lines = !enough && stop_signal() == 0 && !batch.lines.at_end();
+        if (std::none_of(batch.workers.begin(), batch.workers.end(), is_busy) && !wants_lines)
+            return;
+        if (stop_asked_again() && !broken_off) {
+            broken_off = true;
+            for (const Worker& worker : batch.workers) {
+                if (worker.busy) kill(worker.pid, break_off_signal);
+            }
+        }
+        wait_for_news(batch, wants_lines);
     }
-    return false;
 }
 
 }  // namespace
 
 Exit run_batch(const BatchArguments& arguments) {
     Batch batch(arguments);
-    bool broken_off = false;
-    for (;;) {
-        const bool stopping = stop_signal != 0;
-        const bool wants_lines = !stopping && !hand_out_jobs(batch);
-        if (!any_busy(batch) && !wants_lines) break;
-        if (stop_count > 1 && !broken_off) {
-            broken_off = true;
-            for (const Worker& worker : batch.workers) {
-                if (worker.busy) kill(worker.pid, SIGTERM);
-            }
-        }
-        wait_for_news(batch, wants_lines);
-    }
+    run_jobs(batch);
     for (Worker& worker : batch.workers)
         end_worker(worker);
-    const bool interrupted = stop_signal != 0;
-    batch.progress.summarise(interrupted && !batch.lines.at_end());
-    if (interrupted) return static_cast<Exit>(128 + stop_signal);
+    const bool interrupted = stop_signal() != 0;
+    const bool jobs_are_left = batch.returned || !batch.lines.at_end();
+    batch.progress.summarise(!jobs_are_left ? "" : interrupted ? "interrupted" : "broken off");
+    if (interrupted) return static_cast<Exit>(128 + stop_signal());
+    if (jobs_are_left) return Exit::internal;
+    if (batch.report.failed()) return Exit::no_output;
     return batch.progress.failed > 0 ? Exit::jobs_failed : Exit::success;
 }
 

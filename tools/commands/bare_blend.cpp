@@ -77,6 +77,13 @@ std::vector<std::string> seams_of(const BareBlend& blend) {
     return names;
 }
 
+std::string verdict_text(const BareBlend& blend) {
+    if (!blend.plan->check.fits) return "does not fit";
+    const std::vector<std::string> seams = seams_of(blend);
+    if (seams.empty()) return "fits with full margins";
+    return "fits, with a seam at the " + list(seams);
+}
+
 std::string largest_zoom(const BareBlend& blend) {
     const double scale = blend.framed.scale;
     const Size& frame = blend.mask.size;

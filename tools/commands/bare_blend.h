@@ -39,6 +39,9 @@ BareBlend plan_bare_blend(Object object, const Placement& placement, const Size&
 // The sides at which the margin is missing.
 std::vector<std::string> seams_of(const BareBlend& blend);
 
+// "fits with full margins", or what is missing.
+std::string verdict_text(const BareBlend& blend);
+
 // The largest zoom of the picture as given that the library accepts, to three or four digits, never
 // rounded up. For a placement that does not fit.
 std::string largest_zoom(const BareBlend& blend);

@@ -90,6 +90,11 @@ VImage blended_picture(const PreparedBlend& blend, const VImage& destination) {
     return destination.insert(part, blend.left, blend.top);
 }
 
+std::string verdict_text(const PreparedBlend& blend) {
+    if (blend.layer.cut.empty()) return "fits";
+    return "fits, cut off at the " + list(blend.layer.cut);
+}
+
 std::vector<std::string> remarks(const PreparedBlend& blend) {
     std::vector<std::string> found;
     if (blend.clean.findings.fit == IMAGEBLEND_FIT_BEYOND) {

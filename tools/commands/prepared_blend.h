@@ -37,6 +37,9 @@ void blend_prepared(PreparedBlend& blend);
 // The destination with the blended part.
 vips::VImage blended_picture(const PreparedBlend& blend, const vips::VImage& destination);
 
+// "fits", or also where it is cut off.
+std::string verdict_text(const PreparedBlend& blend);
+
 // What is worth knowing of the mask, a sentence each, without the name of a file.
 std::vector<std::string> remarks(const PreparedBlend& blend);
 

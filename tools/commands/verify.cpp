@@ -11,17 +11,12 @@ Exit verify_as_is(const BlendJob& job) {
     const BareBlend blend = plan_bare_blend(load_object(job.object, Wanted::mask),
                                             place(job.placement, destination), destination);
     if (!blend.plan->check.fits) {
-        std::printf("does not fit: the largest zoom that fits is %s\n",
+        std::printf("%s: the largest zoom that fits is %s\n", verdict_text(blend).c_str(),
                     largest_zoom(blend).c_str());
         return Exit::cannot_place;
     }
-    const std::vector<std::string> seams = seams_of(blend);
-    if (!seams.empty()) {
-        std::printf("fits, with a seam at the %s\n", list(seams).c_str());
-        return Exit::seams;
-    }
-    std::puts("fits with full margins");
-    return Exit::success;
+    std::puts(verdict_text(blend).c_str());
+    return seams_of(blend).empty() ? Exit::success : Exit::seams;
 }
 
 }  // namespace
@@ -31,12 +26,8 @@ Exit run_verify(const BlendJob& job) {
     const PreparedBlend blend = prepare_blend(job, load_destination(job.destination));
     for (const std::string& remark : remarks(blend))
         warn(remark);
-    if (!blend.layer.cut.empty()) {
-        std::printf("fits, cut off at the %s\n", list(blend.layer.cut).c_str());
-        return Exit::seams;
-    }
-    std::puts("fits");
-    return Exit::success;
+    std::puts(verdict_text(blend).c_str());
+    return blend.layer.cut.empty() ? Exit::success : Exit::seams;
 }
 
 }  // namespace tool

@@ -16,7 +16,7 @@ _imageblend() {
         blend | verify) options="$placing --help" ;;
         explain) options="$placing --dump --help" ;;
         size | cutout) options='--mask --soft --help' ;;
-        batch) options='--jobs --overwrite --help' ;;
+        batch) options='--jobs --overwrite --first-line --report --help' ;;
         *) return ;;
     esac
     options+=' --strict --quiet --any-format --max-pixels'
@@ -25,10 +25,10 @@ _imageblend() {
             mapfile -t COMPREPLY < <(compgen -W 'centre left right top bottom' -- "$word")
             return
             ;;
-        --at | --surroundings | --grow | --zoom | --angle | --jobs | --max-pixels) return ;; # a number of the user's
+        --at | --surroundings | --grow | --zoom | --angle | --jobs | --first-line | --max-pixels) return ;; # a number of the user's
         --dump) kind=directory ;;
     esac
-    if [[ $word == -* && $before != --mask && $before != --dump ]]; then
+    if [[ $word == -* && $before != --mask && $before != --dump && $before != --report ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word")
         return
     fi
