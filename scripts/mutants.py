@@ -1,0 +1,42 @@
+"""mutants.py LIST TREE SEED COUNT FOLDER...: prints COUNT faults, drawn by SEED.
+
+LIST has a regular expression and its replacement a line, with a tab between them. A fault is a
+match of one of them in a line of code in a FOLDER of TREE. Printed are its file, the number of its
+line, counted from 1, and the line with the fault, with tabs between them.
+"""
+import pathlib
+import random
+import re
+import sys
+
+
+def code_only(text):
+    """The text with comments and the insides of strings as underscores, in the same places."""
+    hidden = r'//[^\n]*|/\*.*?\*/|"(?:\\.|[^"\\\n])*"|(?<!\w)\'(?:\\.|[^\'\\\n])+\'|^#[^\n]*'
+    blank = lambda found: re.sub(r"[^\n]", "_", found.group())
+    return re.sub(hidden, blank, text, flags=re.S | re.M).splitlines()
+
+
+def faults_of(path, rules):
+    text = path.read_text()
+    for number, (line, code) in enumerate(zip(text.splitlines(), code_only(text)), 1):
+        for pattern, replacement in rules:
+            for match in re.finditer(pattern, code):
+                yield number, line[:match.start()] + match.expand(replacement) + line[match.end():]
+
+
+def main(rule_file, tree, seed, count, *folders):
+    rules = [line.split("\t") for line in pathlib.Path(rule_file).read_text().splitlines()
+             if not line.startswith("#")]
+    faults = []
+    for folder in folders:
+        for path in sorted(pathlib.Path(tree, folder).rglob("*.*")):
+            if path.suffix in (".cpp", ".h"):
+                name = path.relative_to(tree)
+                faults += [f"{name}\t{number}\t{line}" for number, line in faults_of(path, rules)]
+    print(f"{len(faults)} possible faults", file=sys.stderr)
+    for fault in random.Random(int(seed)).sample(faults, min(int(count), len(faults))):
+        print(fault)
+
+
+main(*sys.argv[1:])
