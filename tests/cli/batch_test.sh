@@ -30,7 +30,7 @@ lines() {
 {@, "output": "same/good.png[compression=1]"} => output: same/good.png[compression=1] is the output of line 1 already
 {@, "output": "link.png"} => output: link.png is the output of line 1 already
 {@, "output": "none/good.png"} => none/good.png failed: none/good.png: cannot be written
-{@, "mask": "bar.png", "soft": true, "output": "last.png", "at": [9, 9]} => warning: last.png: a seam
+{@, "mask": "bar.png", "soft": true, "as_is": true, "output": "last.png", "at": [9, 9]} => warning: last.png: a seam
 END
     sed 's/ => .*//; s/@/"source": "cut.png", "destination": "black.png"/' table >jobs.jsonl
     truncate -s -1 jobs.jsonl # no line end after the last job

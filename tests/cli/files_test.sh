@@ -271,7 +271,7 @@ warnings() {
     run 3 batch jobs --strict && says "w.png failed"
     [ -z "$(find . -name 'w.*')" ] || fail "written in spite of a warning"
     run 0 blend cut.png black.png w.png --strict && silent
-    run 0 batch jobs --quiet --overwrite && ! grep -q warning err || fail "a warning of a batch"
+    run 0 batch jobs --quiet --overwrite && ! grep -q warning: err || fail "a warning of a batch"
 
     # The file is in place before a warning meets a pipe that nobody reads.
     rm w.png
