@@ -154,6 +154,8 @@ preparation() {
     run 0 blend photo.png ground.png o.png --mask wide.png --grow 4 && unchanged 234 164 132 72
     run 0 blend photo.png ground.png o.png --mask bar.png --surroundings 20
     unchanged 219 149 162 102 && pixel_near o.png 236 200 40
+    run 0 blend cut.png ground.png o.png --surroundings 20 && says "nothing around the object"
+    unchanged 239 169 122 62
     # A ghost is what a cut-out's brightness would give as a mask.
     run 0 blend photo.png ground.png o.png --mask cut.png && box_is o.png 0 240 170 120 60
     run 64 blend photo.png ground.png o.png --mask wide.png --as-is --grow 1 && says "--as-is"

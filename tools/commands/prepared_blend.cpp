@@ -68,8 +68,10 @@ PreparedBlend prepare_blend(const BlendJob& job, const Photo& photo) {
     arguments.soft = true;
     blend.object = load_object(arguments, Wanted::mask_and_picture, photo);
     blend.clean = clean_object(blend.object, job.clean);
+    const bool has_surroundings = blend.clean.findings.surroundings != 0;
     blend.layer = make_layer(blend.clean, blend.object.picture, blend.placement,
-                             size_of(destination), job.surroundings);
+                             size_of(destination), has_surroundings ? job.surroundings : 0);
+    blend.lacks_surroundings = job.surroundings > 0 && !has_surroundings;
     lay_frames(blend, destination);
     return blend;
 }
@@ -101,6 +103,9 @@ std::vector<std::string> remarks(const PreparedBlend& blend) {
         found.emplace_back(
             "the outline is drawn loosely, with no edge of the picture near it: it is taken as "
             "drawn");
+    }
+    if (blend.lacks_surroundings) {
+        found.emplace_back("the source shows nothing around the object that could come along");
     }
     return found;
 }

@@ -25,7 +25,8 @@ struct PreparedBlend {
     BlendFrames frames;
     Frame part;        // of the destination, as far as the frames lie on it
     int left, top;     // of that part
-    int surroundings;  // pixels of them that came along
+    int surroundings;         // pixels of them that came along
+    bool lacks_surroundings;  // some were asked for, and the source shows none
 };
 
 // Cleans the object, puts it into its place and lays the frames.

@@ -118,6 +118,7 @@ int add_preparation(Page& page, int top, const PreparationViews& views) {
         views.mask.size.width, views.mask.size.height, 1, VIPS_FORMAT_UCHAR);
     const Pixel edge = edge_of(views.clean.outline);
     const Pixel laid = edge_of(find_outline((icon.extract_band(3) >= 128.0).copy_memory()));
+    const Pixel mask_edge = edge_of(find_outline(frame_mask));
     const imageblend_findings& findings = views.clean.findings;
 
     const Panel all[panels] = {
@@ -127,7 +128,7 @@ int add_preparation(Page& page, int top, const PreparationViews& views) {
         {"4  Icon frame", "the object over the destination",
          icon.extract_band(0, VImage::option()->set("n", 3)), laid},
         {"5  Mask frame", "where it ends, both pictures are the same", three_bands(frame_mask),
-         laid},
+         mask_edge},
     };
     int below = top;
     for (int i = 0; i < panels; i++)
