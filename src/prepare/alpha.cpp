@@ -2,15 +2,12 @@
 
 #include <string.h>
 
-#include "frame.h"
+#include "prepare/picture.h"
 
 bool source_is_valid(const imageblend_source* source) {
-    if (source == NULL || source->picture == NULL || source->picture->data == NULL) return false;
+    if (source == NULL || !picture_is_valid(source->picture)) return false;
     const blend_image* picture = source->picture;
-    if (picture->width < 1 || picture->height < 1) return false;
-    const blend_image* mask = source->mask;
-    if (mask == NULL) return true;
-    return mask->data != NULL && mask->width == picture->width && mask->height == picture->height;
+    return source->mask == NULL || has_size(source->mask, picture->width, picture->height);
 }
 
 void copy_alpha(const imageblend_source* source, const imageblend_box* box, uint8_t* alpha) {

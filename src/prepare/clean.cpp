@@ -7,13 +7,17 @@
 #include "prepare/cut_out.h"
 #include "prepare/distance.h"
 #include "prepare/outline_fit.h"
+#include "prepare/picture.h"
 
 // Room around the object for the wide means of what is behind it.
 enum { CLEAN_MARGIN = 48 };
 // The outline of a soft mask that lies nearer to the picture's edge than this is better left alone:
 // the fit is not more certain.
 static const float certain_fit = 0.75f;
-static const float largest_growth = 16.0f;
+enum { LARGEST_GROWTH = 16 };
+// Distances that the fit and the pixels along a moved outline need; grown, so much more.
+enum { DISTANCE_FIT = 16 };
+static_assert(DISTANCE_FIT + LARGEST_GROWTH <= DISTANCE_LONGEST, "a grown outline is in reach");
 
 int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* box) {
     if (!source_is_valid(source) || box == NULL) return -1;
@@ -36,10 +40,10 @@ int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* bo
     }
     *box = imageblend_box{0, 0, 0, 0};
     if (right == 0) return 0;
-    box->left = (int32_t)max_i64(left - CLEAN_MARGIN, 0);
-    box->top = (int32_t)max_i64(top - CLEAN_MARGIN, 0);
-    box->width = (int32_t)min_i64(right + CLEAN_MARGIN, width) - box->left;
-    box->height = (int32_t)min_i64(bottom + CLEAN_MARGIN, height) - box->top;
+    box->left = (int32_t)max_i64((int64_t)left - CLEAN_MARGIN, 0);
+    box->top = (int32_t)max_i64((int64_t)top - CLEAN_MARGIN, 0);
+    box->width = (int32_t)min_i64((int64_t)right + CLEAN_MARGIN, width) - box->left;
+    box->height = (int32_t)min_i64((int64_t)bottom + CLEAN_MARGIN, height) - box->top;
     return 0;
 }
 
@@ -150,7 +154,9 @@ static bool find_alpha(clean_run* run, const imageblend_clean_options* options, 
     const int32_t kind = findings->alpha;
     const bool outlined = kind != IMAGEBLEND_ALPHA_SOFT, seen = findings->surroundings != 0;
     if (outlined || options->grow != 0.0f) {
-        if (!signed_distance(run->planes.alpha, run->box->width, run->box->height, run->distance))
+        const int32_t reach = DISTANCE_FIT + (int32_t)ceilf(fabsf(options->grow));
+        if (!signed_distance(run->planes.alpha, run->box->width, run->box->height, reach,
+                             run->distance))
             return false;
     }
     if (outlined && seen && options->fit && !fit_and_note(run)) return false;
@@ -203,13 +209,11 @@ static bool box_is_inside(const imageblend_box* box, const blend_image* picture)
 int32_t imageblend_clean(const imageblend_source* source, const imageblend_clean_options* options,
                          const imageblend_box* box, blend_image* object,
                          imageblend_findings* findings) {
-    if (!source_is_valid(source) || box == NULL || object == NULL || object->data == NULL)
-        return -1;
-    if (!box_is_inside(box, source->picture)) return -1;
-    if (object->width != box->width || object->height != box->height) return -1;
+    if (!source_is_valid(source) || box == NULL || !box_is_inside(box, source->picture)) return -1;
+    if (!has_size(object, box->width, box->height)) return -1;
     const imageblend_clean_options standard = {1, 0.0f};
     if (options == NULL) options = &standard;
-    if (!(fabsf(options->grow) <= largest_growth)) return -1;
+    if (!(fabsf(options->grow) <= (float)LARGEST_GROWTH)) return -1;
 
     clean_run run = {source, box, {}, 0.0f, NULL, {}};
     uint8_t* planes = alloc_planes(&run);

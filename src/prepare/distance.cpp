@@ -6,8 +6,9 @@
 #include "memory.h"
 #include "prepare/alpha.h"
 
-// Beyond reach.
-enum { FAR = DISTANCE_REACH + 1, LARGEST_SQUARE = 2 * FAR * FAR, RUN = 32 };
+// The least distance along a column or row that is beyond the longest reach, pixels that are
+// measured together, and the largest sum of squares.
+enum { FAR = DISTANCE_LONGEST + 1, RUN = 32, LARGEST_SQUARE = 2 * FAR * FAR };
 
 // From each pixel to the nearest one of a class, along its column.
 typedef struct columns {
@@ -54,10 +55,11 @@ static bool any_below(const uint16_t* values, int64_t count, uint16_t limit) {
 }
 
 // The smallest sums of squares over the columns within reach, for a run of pixels.
-static void nearest_run(const uint16_t* squares, int64_t count, uint16_t* __restrict nearest) {
+static void nearest_run(const uint16_t* squares, int64_t count, int reach,
+                        uint16_t* __restrict nearest) {
     for (int64_t i = 0; i < count; i++)
         nearest[i] = LARGEST_SQUARE;
-    for (int dx = -DISTANCE_REACH; dx <= DISTANCE_REACH; dx++) {
+    for (int dx = -reach; dx <= reach; dx++) {
         const uint16_t* from = squares + FAR + dx;
         const uint16_t across = (uint16_t)(dx * dx);
         for (int64_t i = 0; i < count; i++) {
@@ -68,6 +70,7 @@ static void nearest_run(const uint16_t* squares, int64_t count, uint16_t* __rest
 }
 
 typedef struct row_work {
+    int32_t reach;
     uint16_t *to_inside, *to_outside;  // squares, FAR more on both sides
     int16_t lengths[LARGEST_SQUARE + 1];
 } row_work;
@@ -76,18 +79,19 @@ static void measure_row(const uint8_t* alpha, int64_t width, const row_work* wor
                         int16_t* __restrict distance) {
     for (int64_t x = 0; x < width; x += RUN) {
         const int64_t count = min_i64(RUN, width - x);
-        const int64_t around = count + 2 * FAR;
+        const int64_t first = x + FAR - work->reach, around = count + 2 * work->reach;
+        const uint16_t beyond = (uint16_t)((work->reach + 1) * (work->reach + 1));
         uint16_t to_inside[RUN], to_outside[RUN];
-        const bool has_inside = any_below(work->to_inside + x, around, FAR * FAR);
-        const bool has_outside = any_below(work->to_outside + x, around, FAR * FAR);
+        const bool has_inside = any_below(work->to_inside + first, around, beyond);
+        const bool has_outside = any_below(work->to_outside + first, around, beyond);
         if (!has_inside || !has_outside) {
-            const int16_t all = (int16_t)(has_inside ? DISTANCE_REACH : -DISTANCE_REACH);
+            const int16_t all = (int16_t)(has_inside ? work->reach : -work->reach);
             for (int64_t i = 0; i < count; i++)
                 distance[x + i] = (int16_t)(all * DISTANCE_ONE);
             continue;
         }
-        nearest_run(work->to_inside + x, count, to_inside);
-        nearest_run(work->to_outside + x, count, to_outside);
+        nearest_run(work->to_inside + x, count, work->reach, to_inside);
+        nearest_run(work->to_outside + x, count, work->reach, to_outside);
         for (int64_t i = 0; i < count; i++) {
             const bool inside = alpha[x + i] >= ALPHA_INSIDE;
             const int16_t length = work->lengths[inside ? to_outside[i] : to_inside[i]];
@@ -96,10 +100,10 @@ static void measure_row(const uint8_t* alpha, int64_t width, const row_work* wor
     }
 }
 
-static void set_lengths(int16_t* lengths) {
+static void set_lengths(int32_t reach, int16_t* lengths) {
     for (int i = 0; i <= LARGEST_SQUARE; i++) {
         const float length = sqrtf((float)i) - 0.5f;
-        const float reached = length < (float)DISTANCE_REACH ? length : (float)DISTANCE_REACH;
+        const float reached = length < (float)reach ? length : (float)reach;
         lengths[i] = (int16_t)float_to_i32(reached * (float)DISTANCE_ONE + 0.5f);
     }
 }
@@ -140,7 +144,8 @@ static void smooth(int16_t* plane, int64_t width, int64_t height, int16_t* rows)
     }
 }
 
-bool signed_distance(const uint8_t* alpha, int32_t width, int32_t height, int16_t* distance) {
+bool signed_distance(const uint8_t* alpha, int32_t width, int32_t height, int32_t reach,
+                     int16_t* distance) {
     const int64_t pixels = (int64_t)width * height;
     columns to;
     to.to_inside = (uint8_t*)alloc_plane(pixels, 2, 1);
@@ -152,7 +157,8 @@ bool signed_distance(const uint8_t* alpha, int32_t width, int32_t height, int16_
         measure_columns(alpha, width, height, &to);
         work->to_inside = rows;
         work->to_outside = rows + width + 2 * FAR;
-        set_lengths(work->lengths);
+        work->reach = reach;
+        set_lengths(reach, work->lengths);
         for (int64_t y = 0; y < height; y++) {
             square_row(to.to_inside + y * width, width, work->to_inside);
             square_row(to.to_outside + y * width, width, work->to_outside);

@@ -52,8 +52,8 @@ static void slide(uint32_t* cells, int64_t count, int64_t step, uint32_t* copy) 
 }
 
 bool make_wide_means(const colour_planes* planes, wide_means* means) {
-    means->width = (planes->width + 3) / 4;
-    means->height = (planes->height + 3) / 4;
+    means->width = (int32_t)(((int64_t)planes->width + 3) / 4);
+    means->height = (int32_t)(((int64_t)planes->height + 3) / 4);
     means->sums =
         (uint32_t*)alloc_zeroed_plane(means->width, means->height, SUMS * sizeof(uint32_t));
     const int64_t longer = max_i64(means->width, means->height);
