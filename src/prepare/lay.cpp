@@ -1,18 +1,7 @@
 #include <string.h>
 
-#include "numeric.h"
+#include "prepare/picture.h"
 #include "prepare/surroundings.h"
-
-// A destination around which the frames lie.
-static bool destination_is_valid(const blend_image* destination) {
-    return destination != NULL && destination->data != NULL && destination->width >= 1 &&
-           destination->height >= 1;
-}
-
-static bool has_frame_size(const blend_image* image, const imageblend_frames* frames) {
-    return image->data != NULL && image->width == frames->box.width &&
-           image->height == frames->box.height;
-}
 
 // A row of the destination from `left` on, its first and last pixels repeated beyond it.
 static void copy_row(const uint8_t* from, int64_t from_width, int64_t left, uint8_t* row,
@@ -36,17 +25,33 @@ static void copy_destination(const blend_image* destination, const imageblend_fr
     }
 }
 
+// 255 halfway from the part that can change to the frames' border.
 static void fill_mask(const imageblend_frames* frames, const span_box* inner) {
-    const int64_t growth = frame_growth(frames, inner), edge = growth + FRAME_SPARE;
+    const int64_t edge = (inner->left - frames->box.left + 2) / 2;
     const int64_t width = frames->box.width, height = frames->box.height;
     memset(frames->mask.data, 0, (size_t)width * (size_t)height);
     for (int64_t y = edge; y < height - edge; y++)
         memset(frames->mask.data + y * width + edge, 255, (size_t)(width - 2 * edge));
 }
 
-// One colour over a pixel, by `alpha`; byte 0 of the pixel becomes the alpha of both.
+// The destination's colours, of which nothing is new.
+static void start_icon(const imageblend_frames* frames) {
+    const uint8_t colour[4] = {0, 255, 255, 255};
+    uint32_t kept;
+    memcpy(&kept, colour, 4);
+    const size_t pixels = (size_t)frames->box.width * (size_t)frames->box.height;
+    const uint8_t* __restrict from = frames->destination.data;
+    uint8_t* __restrict icon = frames->icon.data;
+    for (size_t i = 0; i < pixels; i++) {
+        uint32_t pixel;
+        memcpy(&pixel, from + 4 * i, 4);
+        pixel &= kept;
+        memcpy(icon + 4 * i, &pixel, 4);
+    }
+}
+
+// One colour over a pixel, by `alpha`, 1 .. 255; byte 0 of the pixel becomes the alpha of both.
 static void lay_over(const uint8_t* colour, int alpha, uint8_t* pixel) {
-    if (alpha == 0) return;
     const int under = pixel[0] * (255 - alpha);
     // Parts of 255 * 255.
     const int both = alpha * 255 + under;
@@ -61,46 +66,83 @@ static uint8_t lit(int channel, float gain) {
     return (uint8_t)(level < 255 ? level : 255);
 }
 
-// The object over its surroundings over the destination. Byte 0 becomes how much of that is new.
-static void lay_pixel(const imageblend_layer* layer, const imageblend_frames* frames,
-                      const surroundings* around, int64_t x, int64_t y) {
-    const int64_t i = y * frames->box.width + x;
-    uint8_t* pixel = frames->icon.data + 4 * i;
-    const uint8_t* object = layer_pixel(layer, layer->object, frames, x, y);
-    const int alpha = object != NULL ? object[0] : 0;
-    const int weight = around->reach > 0 ? around->weight[i] : 0;
-    if (weight > 0) {
-        const uint8_t* from = layer_pixel(layer, layer->surroundings, frames, x, y);
-        const uint8_t colour[4] = {0, lit(from[1], around->gain[0]), lit(from[2], around->gain[1]),
-                                   lit(from[3], around->gain[2])};
-        lay_over(colour, weight, pixel);
+// A row of the object alone. Byte 0 of an icon's pixel becomes how much of it is new.
+static void lay_object(const uint8_t* object, const uint8_t* under, int64_t count, uint8_t* icon) {
+    for (int64_t i = 0; i < 4 * count; i += 4) {
+        const uint8_t alpha = object[i];
+        if (alpha == 0) continue;
+        memcpy(icon + i, alpha == 255 ? object + i : under + i, 4);
+        if (alpha == 255) continue;
+        lay_over(object + i, alpha, icon + i);
+        icon[i] = alpha;
     }
-    if (alpha > 0) lay_over(object, alpha, pixel);
-    pixel[0] = (uint8_t)(alpha + ((255 - alpha) * weight + 127) / 255);
+}
+
+// A row of surroundings, by their weights, before the object.
+static void lay_surroundings(const uint8_t* from, const uint8_t* weights, const float* gain,
+                             int64_t count, uint8_t* icon) {
+    for (int64_t i = 0; i < count; i++) {
+        if (weights[i] == 0) continue;
+        uint8_t colour[4] = {0};
+        for (int c = 1; c <= 3; c++)
+            colour[c] = lit(from[4 * i + c], gain[c - 1]);
+        lay_over(colour, weights[i], icon + 4 * i);
+    }
+}
+
+// A row of the object over what the icon holds, with that pixel's alpha.
+static void lay_over_surroundings(const uint8_t* object, const uint8_t* weights, int64_t count,
+                                  uint8_t* icon) {
+    for (int64_t i = 0; i < count; i++) {
+        const int alpha = object[4 * i];
+        if (alpha > 0) lay_over(object + 4 * i, alpha, icon + 4 * i);
+        icon[4 * i] = (uint8_t)(alpha + ((255 - alpha) * weights[i] + 127) / 255);
+    }
+}
+
+// The object over its surroundings over the destination, in the part that can change.
+static void lay_layer(const imageblend_layer* layer, const imageblend_frames* frames,
+                      const surroundings* around, const span_box* inner) {
+    const int64_t count = inner->right - inner->left, width = layer->object->width;
+    for (int64_t y = inner->top; y < inner->bottom; y++) {
+        const int64_t from = (y - layer->top) * width + inner->left - layer->left;
+        const int64_t to =
+            (y - frames->box.top) * frames->box.width + inner->left - frames->box.left;
+        const uint8_t* object = layer->object->data + 4 * from;
+        const uint8_t* under = frames->destination.data + 4 * to;
+        uint8_t* icon = frames->icon.data + 4 * to;
+        if (around->reach == 0) {
+            lay_object(object, under, count, icon);
+            continue;
+        }
+        memcpy(icon, under, 4 * (size_t)count);
+        lay_surroundings(layer->surroundings->data + 4 * from, around->weight + to, around->gain,
+                         count, icon);
+        lay_over_surroundings(object, around->weight + to, count, icon);
+    }
 }
 
 int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
                        const imageblend_frames* frames, int32_t* reach) {
-    if (!layer_is_valid(layer) || !destination_is_valid(destination) || frames == NULL) return -1;
+    if (!picture_is_valid(destination) || frames == NULL) return -1;
     imageblend_frames placed;
-    if (imageblend_place(layer, destination->width, destination->height, &placed) != 0) return -1;
-    if (memcmp(&placed.box, &frames->box, sizeof placed.box) != 0) return -1;
-    if (!has_frame_size(&frames->icon, frames) || !has_frame_size(&frames->mask, frames) ||
-        !has_frame_size(&frames->destination, frames))
+    span_box inner;
+    if (place_layer(layer, destination->width, destination->height, &placed, &inner) != 0)
         return -1;
+    const imageblend_box* box = &placed.box;
+    if (memcmp(box, &frames->box, sizeof *box) != 0) return -1;
+    const blend_image* records[] = {&frames->icon, &frames->mask, &frames->destination};
+    for (const blend_image* record : records) {
+        if (!has_size(record, box->width, box->height)) return -1;
+    }
 
     surroundings around;
     if (!alloc_surroundings(layer, frames, &around)) return -1;
     copy_destination(destination, frames);
-    find_surroundings(layer, frames, &around);
-    const span_box inner = new_box(layer, destination->width, destination->height);
     fill_mask(frames, &inner);
-    memcpy(frames->icon.data, frames->destination.data,
-           4 * (size_t)frames->box.width * (size_t)frames->box.height);
-    for (int64_t y = 0; y < frames->box.height; y++) {
-        for (int64_t x = 0; x < frames->box.width; x++)
-            lay_pixel(layer, frames, &around, x, y);
-    }
+    start_icon(frames);
+    find_surroundings(layer, frames, &around);
+    lay_layer(layer, frames, &around, &inner);
     if (reach != NULL) *reach = around.reach;
     free_surroundings(&around);
     return 0;
@@ -108,17 +150,19 @@ int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destina
 
 int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* blended,
                           blend_image* output) {
-    if (frames == NULL || blended == NULL || !destination_is_valid(output)) return -1;
-    if (frames->icon.data == NULL || !has_frame_size(blended, frames)) return -1;
+    if (frames == NULL || !picture_is_valid(output)) return -1;
+    const imageblend_box* box = &frames->box;
+    if (!has_size(&frames->icon, box->width, box->height)) return -1;
+    if (!has_size(blended, box->width, box->height)) return -1;
     const span_box whole = {0, 0, output->width, output->height};
-    const span_box box = span_of(&frames->box), seen = cut_span(&whole, &box);
+    const span_box place = span_of(box), seen = cut_span(&whole, &place);
     for (int64_t y = seen.top; y < seen.bottom; y++) {
-        const size_t from = (size_t)(y - box.top) * (size_t)frames->box.width;
+        const size_t from = (size_t)(y - place.top) * (size_t)box->width;
         const uint8_t* icon = frames->icon.data + 4 * from;
         const uint8_t* source = blended->data + 4 * from;
         uint8_t* target = output->data + 4 * (size_t)y * (size_t)output->width;
         for (int64_t x = seen.left; x < seen.right; x++) {
-            const int64_t i = 4 * (x - box.left);
+            const int64_t i = 4 * (x - place.left);
             const int alpha = icon[i];
             if (alpha == 0) continue;
             memcpy(target + 4 * x + 1, source + i + 1, 3);

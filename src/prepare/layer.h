@@ -6,9 +6,6 @@
 
 enum { LARGEST_REACH = 256 };
 
-// The blend keeps a pixel away from the frame's border.
-enum { FRAME_SPARE = 2 };
-
 // Half-open, with room for any place and size.
 typedef struct span_box {
     int64_t left, top, right, bottom;
@@ -22,10 +19,10 @@ bool layer_is_valid(const imageblend_layer* layer);
 // The most pixels of surroundings that may come along.
 int32_t layer_reach(const imageblend_layer* layer);
 
-// The part of a destination that the object and its surroundings can change; empty if none.
-span_box new_box(const imageblend_layer* layer, int64_t width, int64_t height);
-
-// By how many pixels on each side the mask in these frames is larger than that part.
-int64_t frame_growth(const imageblend_frames* frames, const span_box* inner);
+// imageblend_place, which also gives the part of the destination that the object and its
+// surroundings can change: `inner` lies in the destination, in the layer's pictures and in the
+// frames, and is empty if the object cannot be seen. 0 or -1.
+int32_t place_layer(const imageblend_layer* layer, int32_t width, int32_t height,
+                    imageblend_frames* frames, span_box* inner);
 
 #endif

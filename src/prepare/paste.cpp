@@ -1,5 +1,6 @@
+#include "imageblend_prepare.h"
 #include "memory.h"
-#include "prepare/layer.h"
+#include "prepare/picture.h"
 
 // The frames' pixels: 4 + 4 + 1 bytes each, from one allocation, which is returned.
 static uint8_t* alloc_frames(imageblend_frames* frames) {
@@ -19,7 +20,7 @@ static int32_t blend_frames(imageblend_frames* frames) {
 }
 
 int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture, int32_t* reach) {
-    if (picture == NULL || picture->data == NULL) return -1;
+    if (!picture_is_valid(picture)) return -1;
     imageblend_frames frames;
     if (imageblend_place(layer, picture->width, picture->height, &frames) != 0) return -1;
     if (frames.box.width == 0) {

@@ -1,8 +1,11 @@
 #include <string.h>
 
 #include "blend/depth.h"
-#include "numeric.h"
 #include "prepare/layer.h"
+#include "prepare/picture.h"
+
+// The blend keeps a pixel away from the frame's border.
+enum { FRAME_SPARE = 2 };
 
 // The margin that the blend wants around a box.
 static int64_t blend_margin(int64_t shorter) {
@@ -20,12 +23,10 @@ static int64_t mask_growth(int64_t shorter) {
 }
 
 bool layer_is_valid(const imageblend_layer* layer) {
-    if (layer == NULL || layer->object == NULL || layer->object->data == NULL) return false;
-    const blend_image *object = layer->object, *around = layer->surroundings;
-    if (object->width < 1 || object->height < 1) return false;
+    if (layer == NULL || !picture_is_valid(layer->object)) return false;
     if (layer->reach < IMAGEBLEND_SURROUNDINGS_AUTO || layer->reach > LARGEST_REACH) return false;
-    return around == NULL || (around->data != NULL && around->width == object->width &&
-                              around->height == object->height);
+    return layer->surroundings == NULL ||
+           has_size(layer->surroundings, layer->object->width, layer->object->height);
 }
 
 int32_t layer_reach(const imageblend_layer* layer) {
@@ -71,43 +72,45 @@ static span_box opaque_box(const blend_image* object, const span_box* within) {
     return found;
 }
 
-int64_t frame_growth(const imageblend_frames* frames, const span_box* inner) {
-    return (frames->box.width - (inner->right - inner->left) - 2 * FRAME_SPARE) / 4;
-}
-
-span_box new_box(const imageblend_layer* layer, int64_t width, int64_t height) {
+// The part of the destination that can change; empty if no pixel of the object lies in it.
+static span_box inner_box(const imageblend_layer* layer, int64_t width, int64_t height) {
     const int64_t left = layer->left, top = layer->top, reach = layer_reach(layer);
     const span_box object = {0, 0, layer->object->width, layer->object->height};
-    // What of the object can be seen, or has surroundings that can be seen.
-    const span_box destination = {-left - reach, -top - reach, width - left + reach,
-                                  height - top + reach};
-    const span_box seen = cut_span(&object, &destination);
-    if (is_empty(&seen)) return span_box{0, 0, 0, 0};
-    const span_box opaque = opaque_box(layer->object, &seen);
-    if (is_empty(&opaque)) return span_box{0, 0, 0, 0};
-    span_box grown = grow_span(&opaque, reach);
-    grown = cut_span(&grown, &object);
-    const span_box frame = {-left, -top, width - left, height - top};
-    const span_box visible = cut_span(&grown, &frame);
-    if (is_empty(&visible)) return span_box{0, 0, 0, 0};
-    return {visible.left + left, visible.top + top, visible.right + left, visible.bottom + top};
+    const span_box destination = {-left, -top, width - left, height - top};
+    const span_box none = {0, 0, 0, 0};
+    const span_box shown = cut_span(&object, &destination);
+    if (is_empty(&shown)) return none;
+    span_box opaque = opaque_box(layer->object, &shown);
+    if (is_empty(&opaque)) return none;
+    if (reach > 0) {
+        // Surroundings of what lies beyond the border can be seen too.
+        span_box near = grow_span(&destination, reach);
+        near = cut_span(&object, &near);
+        opaque = opaque_box(layer->object, &near);
+        opaque = grow_span(&opaque, reach);
+        opaque = cut_span(&opaque, &shown);
+    }
+    return {opaque.left + left, opaque.top + top, opaque.right + left, opaque.bottom + top};
 }
 
-int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t height,
-                         imageblend_frames* frames) {
+int32_t place_layer(const imageblend_layer* layer, int32_t width, int32_t height,
+                    imageblend_frames* frames, span_box* inner) {
     if (!layer_is_valid(layer) || frames == NULL || width < 1 || height < 1) return -1;
-    memset(frames, 0, sizeof *frames);
-    const span_box inner = new_box(layer, width, height);
-    if (is_empty(&inner)) return 0;
-    const int64_t shorter = min_i64(inner.right - inner.left, inner.bottom - inner.top);
+    *inner = inner_box(layer, width, height);
+    if (is_empty(inner)) {
+        memset(frames, 0, sizeof *frames);
+        return 0;
+    }
+    const int64_t shorter = min_i64(inner->right - inner->left, inner->bottom - inner->top);
     const int64_t growth = mask_growth(shorter);
-    const span_box outer = grow_span(&inner, 2 * growth + FRAME_SPARE);
+    const span_box outer = grow_span(inner, 2 * growth + FRAME_SPARE);
     const int64_t frame_width = outer.right - outer.left, frame_height = outer.bottom - outer.top;
     size_t bytes;
     if (!buffer_size(frame_width, frame_height, 4, &bytes)) return -1;
     if (frame_width > INT32_MAX || frame_height > INT32_MAX || outer.left < INT32_MIN ||
         outer.top < INT32_MIN)
         return -1;
+    memset(frames, 0, sizeof *frames);
     frames->box = imageblend_box{(int32_t)outer.left, (int32_t)outer.top, (int32_t)frame_width,
                                  (int32_t)frame_height};
     blend_image* records[] = {&frames->icon, &frames->mask, &frames->destination};
@@ -119,4 +122,10 @@ int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t h
     frames->center_x = (int32_t)((frame_width + 1) / 2);
     frames->center_y = (int32_t)((frame_height + 1) / 2);
     return 0;
+}
+
+int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t height,
+                         imageblend_frames* frames) {
+    span_box inner;
+    return place_layer(layer, width, height, frames, &inner);
 }
