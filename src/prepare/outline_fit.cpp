@@ -11,8 +11,13 @@ enum { CELL = 32, SIDE = 2, BIN_ZERO = FIT_REACH + SIDE, BINS = 2 * BIN_ZERO };
 enum { TRIED = 2 * FIT_REACH + 1 };
 // A side with fewer pixels says nothing.
 enum { FEWEST = 8 };
-// How far the largest mean must stand out of the middle one.
-static const float clear_ratio = 1.25f;
+// Mean levels of difference.
+static const float faintest_edge = 4.0f;
+// How far the largest mean must stand out of the middle one. The means of a picture that is mere
+// texture scatter by 0.4 / sqrt(squares), and the largest of 23 may lie three times that above.
+static float clear_ratio(float squares) {
+    return 1.15f + 1.2f / sqrtf(squares);
+}
 
 typedef struct bin {
     int32_t pixels, sum[3];
@@ -56,6 +61,7 @@ static float difference_at(const bin* bins, int at, float* weight) {
 // Mean differences of all tried distances.
 typedef struct profile {
     float sum[TRIED], weight[TRIED];
+    int32_t squares[TRIED];  // that had enough pixels
 } profile;
 
 static void add_cells(const bin* cells, int64_t count, profile* to) {
@@ -65,6 +71,7 @@ static void add_cells(const bin* cells, int64_t count, profile* to) {
             const float difference = difference_at(cells, t + SIDE, &weight);
             to->sum[t] += weight * difference;
             to->weight[t] += weight;
+            to->squares[t] += weight > 0.0f;
         }
     }
 }
@@ -80,6 +87,16 @@ static float middle_of(const float* values, int count) {
     return sorted[count / 2];
 }
 
+// Whether the edge at a distance stands out. Only means for the same number of pixels compare here:
+// outwards there are more of them.
+static bool stands_out(const profile* from, int at) {
+    float mean[TRIED];
+    for (int t = 0; t < TRIED; t++)
+        mean[t] = from->weight[t] > 0.0f ? from->sum[t] / from->weight[t] : 0.0f;
+    const float clear = clear_ratio((float)from->squares[at]);
+    return mean[at] >= faintest_edge && mean[at] >= clear * middle_of(mean, TRIED);
+}
+
 static outline_fit read_profile(const profile* from) {
     float mean[TRIED], heaviest = 0.0f;
     for (int t = 0; t < TRIED; t++)
@@ -92,7 +109,7 @@ static outline_fit read_profile(const profile* from) {
         if (mean[t] > mean[best]) best = t;
     }
     outline_fit fit = {IMAGEBLEND_FIT_UNCLEAR, 0.0f};
-    if (mean[best] < 4.0f || mean[best] < clear_ratio * middle_of(mean, TRIED)) return fit;
+    if (!stands_out(from, best)) return fit;
     fit.status = IMAGEBLEND_FIT_BEYOND;
     if (best == 0 || best == TRIED - 1) return fit;
     const float before = mean[best - 1], behind = mean[best + 1];
@@ -105,18 +122,17 @@ static outline_fit read_profile(const profile* from) {
 
 bool fit_outline(const blend_image* picture, const imageblend_box* box, const int16_t* distance,
                  outline_fit* fit) {
-    const int64_t cells = (box->width + CELL - 1) / CELL;
+    const int64_t cells = ((int64_t)box->width + CELL - 1) / CELL;
     bin* bins = (bin*)alloc_plane(cells, BINS, sizeof(bin));
     if (bins == NULL) return false;
     profile means = {};
-    for (int32_t top = 0; top < box->height; top += CELL) {
+    for (int64_t top = 0; top < box->height; top += CELL) {
         for (int64_t i = 0; i < cells * BINS; i++)
             bins[i] = bin{};
-        for (int32_t y = top; y < box->height && y < top + CELL; y++) {
+        for (int64_t y = top; y < min_i64(box->height, top + CELL); y++) {
             const size_t first =
                 (size_t)(box->top + y) * (size_t)picture->width + (size_t)box->left;
-            add_row(picture->data + 4 * first, distance + (int64_t)y * box->width, box->width,
-                    bins);
+            add_row(picture->data + 4 * first, distance + y * box->width, box->width, bins);
         }
         add_cells(bins, cells, &means);
     }
