@@ -16,7 +16,7 @@ typedef struct colour {
 // Colours of the object and of what is behind it, around one pixel.
 typedef struct estimate {
     colour object, behind;
-    float object_weight, behind_weight;
+    colour ground;  // what is behind, by little but the pixels that show nothing else
 } estimate;
 
 static colour mean_colour(const uint32_t* sums, const colour* otherwise) {
@@ -55,8 +55,7 @@ static estimate wide_estimate(const colour_planes* planes, const wide_means* mea
     estimate wide;
     wide.object = mean_colour(sums + SUM_OBJECT, &seen);
     wide.behind = mean_colour(sums + SUM_BEHIND, &seen);
-    wide.object_weight = (float)sums[SUM_OBJECT + SUM_WEIGHT];
-    wide.behind_weight = (float)sums[SUM_BEHIND + SUM_WEIGHT];
+    wide.ground = wide.behind;
     return wide;
 }
 
@@ -107,7 +106,7 @@ static colour clean_through(const colour_planes* planes, int64_t x, int64_t y,
         const float seen = (float)planes->seen[c][i];
         const float object = near->object.channel[c], behind = near->behind.channel[c];
         const float shared = object + share(seen, object, behind, alpha).object;
-        float direct = (seen - (1.0f - alpha) * behind) / alpha;
+        float direct = (seen - (1.0f - alpha) * near->ground.channel[c]) / alpha;
         direct = direct < 0.0f ? 0.0f : (direct > 255.0f ? 255.0f : direct);
         clean.channel[c] = steep * shared + (1.0f - steep) * direct;
     }
@@ -205,6 +204,14 @@ static void add_row(const colour_planes* planes, int64_t y, uint32_t factor, blo
     add_weights(behind, to->columns, factor, to->sums[SUM_BEHIND + SUM_WEIGHT]);
 }
 
+// Weights by which near means count half: those of a pixel or two, and of a tenth of all.
+static const float FEW = 2.0f * 255.0f, MANY = 12.0f * 255.0f;
+
+static void move_towards(const colour* aim, float part, colour* from) {
+    for (int c = 0; c < 3; c++)
+        from->channel[c] += (aim->channel[c] - from->channel[c]) * part;
+}
+
 // Near means where there is enough to go by, wide ones elsewhere.
 static estimate near_estimate(const cleaning* work, const block* from, int64_t x, int64_t y) {
     const int64_t begin = max_i64(x - NEAR - from->left, 0);
@@ -218,16 +225,13 @@ static estimate near_estimate(const cleaning* work, const block* from, int64_t x
     estimate near;
     near.object = mean_colour(sums + SUM_OBJECT, &wide.object);
     near.behind = mean_colour(sums + SUM_BEHIND, &wide.behind);
-    near.object_weight = (float)sums[SUM_OBJECT + SUM_WEIGHT];
-    near.behind_weight = (float)sums[SUM_BEHIND + SUM_WEIGHT];
-    // Half of the way where only a pixel or two stand for all.
-    const float few = 2.0f * 255.0f;
-    for (int c = 0; c < 3; c++) {
-        near.object.channel[c] +=
-            (wide.object.channel[c] - near.object.channel[c]) * few / (few + near.object_weight);
-        near.behind.channel[c] +=
-            (wide.behind.channel[c] - near.behind.channel[c]) * few / (few + near.behind_weight);
-    }
+    near.ground = near.behind;
+    const float object_weight = (float)sums[SUM_OBJECT + SUM_WEIGHT];
+    const float behind_weight = (float)sums[SUM_BEHIND + SUM_WEIGHT];
+    move_towards(&wide.object, FEW / (FEW + object_weight), &near.object);
+    move_towards(&wide.behind, FEW / (FEW + behind_weight), &near.behind);
+    // Examples of what is behind that were made inside of a wide soft area hold some of it.
+    move_towards(&wide.behind, MANY / (MANY + behind_weight), &near.ground);
     return near;
 }
 
