@@ -24,11 +24,7 @@ target_include_directories(internal_tests PRIVATE
     $<TARGET_PROPERTY:imageblend_core,INCLUDE_DIRECTORIES>)
 target_link_libraries(internal_tests PRIVATE
     imageblend_flags test_support imageblend_liblog GTest::gtest_main m)
-# pool/faults.cpp takes these calls over.
-foreach(function malloc calloc free pthread_create pthread_join pthread_mutex_init
-                 pthread_cond_init)
-    target_link_options(internal_tests PRIVATE -Wl,--wrap=${function})
-endforeach()
+wrap_faults(internal_tests)
 target_compile_definitions(internal_tests PRIVATE
     IMAGEBLEND_WHOLE_CALLS="${CMAKE_CURRENT_SOURCE_DIR}/hashes/whole_calls.txt")
 gtest_discover_tests(internal_tests DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 600)
