@@ -17,7 +17,7 @@ done
 need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev gnuplot-nox enblend
 build=${BUILD_DIR:-$root/build}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
-programs=(bench_rows bench_pyramid bench_calls)
+programs=(bench_rows bench_pyramid bench_calls bench_prepare)
 cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_memory bench_table
 
 unset IMAGEBLEND_LOG

@@ -10,6 +10,28 @@ bool source_is_valid(const imageblend_source* source) {
     return source->mask == NULL || has_size(source->mask, picture->width, picture->height);
 }
 
+static bool any_seen(const uint8_t* alphas, int64_t count, int64_t step) {
+    uint8_t any = 0;
+    for (int64_t x = 0; x < count; x++)
+        any |= alphas[x * step];
+    return any != 0;
+}
+
+void find_seen(const uint8_t* alphas, int64_t count, int64_t step, int64_t* begin, int64_t* end) {
+    const int64_t run = 64;
+    int64_t first = 0, last = count;
+    while (first + run <= count && !any_seen(alphas + first * step, run, step))
+        first += run;
+    while (first < count && alphas[first * step] == 0)
+        first++;
+    while (last - run > first && !any_seen(alphas + (last - run) * step, run, step))
+        last -= run;
+    while (last > first && alphas[(last - 1) * step] == 0)
+        last--;
+    *begin = first;
+    *end = last;
+}
+
 void copy_alpha(const imageblend_source* source, const imageblend_box* box, uint8_t* alpha) {
     const size_t row_pixels = (size_t)source->picture->width, width = (size_t)box->width;
     for (int32_t y = 0; y < box->height; y++, alpha += width) {

@@ -10,6 +10,10 @@ enum { ALPHA_INSIDE = 128 };
 // Whether the records can be read: no null, sides from 1 on, a mask of the picture's size.
 bool source_is_valid(const imageblend_source* source);
 
+// The pixels of a row from the first to the last with alpha above 0; both are `count` if there are
+// none. Alphas are `step` bytes apart.
+void find_seen(const uint8_t* alphas, int64_t count, int64_t step, int64_t* begin, int64_t* end);
+
 // Alpha of the source, one byte for each pixel of the box.
 void copy_alpha(const imageblend_source* source, const imageblend_box* box, uint8_t* alpha);
 

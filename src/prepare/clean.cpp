@@ -24,26 +24,23 @@ int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* bo
     const int32_t width = source->picture->width, height = source->picture->height;
     const bool own = source->mask == NULL;
     const uint8_t* row = own ? source->picture->data : source->mask->data;
-    const size_t step = own ? 4 : 1;
-    int32_t left = width, right = 0, top = height, bottom = 0;
-    for (int32_t y = 0; y < height; y++, row += (size_t)width * step) {
-        int32_t begin = 0, end = width;
-        while (begin < width && row[(size_t)begin * step] == 0)
-            begin++;
-        if (begin == width) continue;
-        while (row[(size_t)(end - 1) * step] == 0)
-            end--;
-        left = begin < left ? begin : left;
-        right = end > right ? end : right;
-        top = y < top ? y : top;
+    const int64_t step = own ? 4 : 1;
+    int64_t left = width, right = 0, top = height, bottom = 0;
+    for (int64_t y = 0; y < height; y++, row += width * step) {
+        int64_t begin, end;
+        find_seen(row, width, step, &begin, &end);
+        if (begin == end) continue;
+        left = min_i64(begin, left);
+        right = max_i64(end, right);
+        top = min_i64(y, top);
         bottom = y + 1;
     }
     *box = imageblend_box{0, 0, 0, 0};
     if (right == 0) return 0;
-    box->left = (int32_t)max_i64((int64_t)left - CLEAN_MARGIN, 0);
-    box->top = (int32_t)max_i64((int64_t)top - CLEAN_MARGIN, 0);
-    box->width = (int32_t)min_i64((int64_t)right + CLEAN_MARGIN, width) - box->left;
-    box->height = (int32_t)min_i64((int64_t)bottom + CLEAN_MARGIN, height) - box->top;
+    box->left = (int32_t)max_i64(left - CLEAN_MARGIN, 0);
+    box->top = (int32_t)max_i64(top - CLEAN_MARGIN, 0);
+    box->width = (int32_t)min_i64(right + CLEAN_MARGIN, width) - box->left;
+    box->height = (int32_t)min_i64(bottom + CLEAN_MARGIN, height) - box->top;
     return 0;
 }
 
@@ -65,28 +62,37 @@ static uint8_t ramp_to_byte(float value) {
 // Alpha that passes 128 at the outline, `inwards` pixels from the one that the distance is to.
 static uint8_t outline_alpha(int16_t distance, float inwards) {
     const float width = 1.5f;
-    return ramp_to_byte(127.5f + 255.0f / width * ((float)distance / DISTANCE_ONE - inwards));
+    return ramp_to_byte(127.5f +
+                        255.0f / width * ((float)distance / (float)DISTANCE_ONE - inwards));
 }
 
 static int64_t pixel_count(const clean_run* run) {
     return (int64_t)run->box->width * run->box->height;
 }
 
+static void split_row(const uint8_t* __restrict pixels, int64_t count, uint8_t* __restrict first,
+                      uint8_t* __restrict second, uint8_t* __restrict third) {
+    for (int64_t x = 0; x < count; x++) {
+        first[x] = pixels[4 * x + 1];
+        second[x] = pixels[4 * x + 2];
+        third[x] = pixels[4 * x + 3];
+    }
+}
+
 // Copies the colours into planes; divided by alpha where they are multiplied by it.
 static void split_colours(const clean_run* run) {
     const blend_image* picture = run->source->picture;
-    const bool divide = run->findings.premultiplied != 0;
-    int64_t i = 0;
-    for (int32_t y = 0; y < run->box->height; y++) {
-        const size_t row = (size_t)(run->box->top + y) * (size_t)picture->width;
-        const uint8_t* pixel = picture->data + 4 * (row + (size_t)run->box->left);
-        for (int32_t x = 0; x < run->box->width; x++, i++, pixel += 4) {
-            for (int c = 0; c < 3; c++) {
-                const uint8_t channel = pixel[1 + c];
-                run->planes.seen[c][i] =
-                    divide && pixel[0] != 0 ? divide_by_alpha(channel, pixel[0]) : channel;
-            }
-        }
+    uint8_t* const* seen = run->planes.seen;
+    const int64_t width = run->box->width, pixels = pixel_count(run);
+    for (int64_t y = 0; y < run->box->height; y++) {
+        const int64_t row = (run->box->top + y) * picture->width + run->box->left, to = y * width;
+        split_row(picture->data + 4 * row, width, seen[0] + to, seen[1] + to, seen[2] + to);
+    }
+    if (!run->findings.premultiplied) return;
+    for (int64_t i = 0; i < pixels; i++) {
+        const uint8_t alpha = run->planes.alpha[i];
+        for (int c = 0; alpha != 0 && c < 3; c++)
+            seen[c][i] = divide_by_alpha(seen[c][i], alpha);
     }
 }
 
@@ -104,12 +110,23 @@ static bool fit_and_note(clean_run* run) {
     return true;
 }
 
+// What a pixel of some distance or alpha is given.
+typedef struct pixel_marks {
+    uint8_t alpha, object_weight, behind_weight, soft;
+} pixel_marks;
+
+// Distances that there are, and the one of 0 among them.
+enum { ZERO_DISTANCE = DISTANCE_LONGEST * DISTANCE_ONE, DISTANCES = 2 * ZERO_DISTANCE + 1 };
+
 // Moves softness that stays: the alpha of an outline that many pixels outside or inside is its
 // upper or lower limit.
 static void grow_alpha(const clean_run* run, float grow) {
+    uint8_t limits[DISTANCES];
+    for (int d = 0; d < DISTANCES; d++)
+        limits[d] = outline_alpha((int16_t)(d - ZERO_DISTANCE), -grow);
     const int64_t pixels = pixel_count(run);
     for (int64_t i = 0; i < pixels; i++) {
-        const uint8_t limit = outline_alpha(run->distance[i], -grow);
+        const uint8_t limit = limits[run->distance[i] + ZERO_DISTANCE];
         uint8_t* alpha = run->planes.alpha + i;
         if (grow > 0.0f ? limit > *alpha : limit < *alpha) *alpha = limit;
     }
@@ -120,32 +137,49 @@ static uint8_t weight_beyond(float depth) {
 }
 
 // Along an outline that is a guess, examples lie two pixels away from it.
-static void mark_outline(const clean_run* run) {
-    const colour_planes* planes = &run->planes;
-    const int64_t pixels = pixel_count(run);
-    for (int64_t i = 0; i < pixels; i++) {
-        const float depth = (float)run->distance[i] / DISTANCE_ONE - run->inwards;
-        const int alpha = planes->alpha[i];
-        const int spare = alpha * alpha / (255 * 32);
-        const int weight = weight_beyond(depth);
-        planes->object_weight[i] = (uint8_t)(weight > spare ? weight : spare);
-        planes->behind_weight[i] = weight_beyond(-depth);
-        planes->soft[i] = alpha > 0 && depth < 3.0f;
-    }
+static pixel_marks marks_of_distance(int distance, float inwards) {
+    const float depth = (float)distance / (float)DISTANCE_ONE - inwards;
+    const int alpha = outline_alpha((int16_t)distance, inwards);
+    const int spare = alpha * alpha / (255 * 32), weight = weight_beyond(depth);
+    return {(uint8_t)alpha, (uint8_t)(weight > spare ? weight : spare), weight_beyond(-depth),
+            alpha > 0 && depth < 3.0f};
 }
 
 // Where alpha is right, it says what a pixel is an example of.
-static void mark_softness(const clean_run* run, bool sees_behind) {
-    const colour_planes* planes = &run->planes;
+static pixel_marks marks_of_alpha(int alpha, bool sees_behind) {
+    const int rest = 255 - alpha;
+    const int object = alpha >= 250 ? 255 : (alpha * alpha + 255 * 15) / (255 * 16);
+    const int behind = rest >= 250 ? 255 : (rest * rest + 255 * 63) / (255 * 64);
+    return {(uint8_t)alpha, (uint8_t)object, (uint8_t)(sees_behind ? behind : 0),
+            alpha > 0 && alpha < 255};
+}
+
+static void set_marks(const colour_planes* planes, int64_t i, pixel_marks marks) {
+    planes->object_weight[i] = marks.object_weight;
+    planes->behind_weight[i] = marks.behind_weight;
+    planes->soft[i] = marks.soft;
+}
+
+// Draws alpha along the outline.
+static void mark_outline(const clean_run* run) {
+    pixel_marks marks[DISTANCES];
+    for (int d = 0; d < DISTANCES; d++)
+        marks[d] = marks_of_distance(d - ZERO_DISTANCE, run->inwards);
     const int64_t pixels = pixel_count(run);
     for (int64_t i = 0; i < pixels; i++) {
-        const int alpha = planes->alpha[i], rest = 255 - alpha;
-        planes->object_weight[i] =
-            (uint8_t)(alpha >= 250 ? 255 : (alpha * alpha + 255 * 15) / (255 * 16));
-        const int behind = rest >= 250 ? 255 : (rest * rest + 255 * 63) / (255 * 64);
-        planes->behind_weight[i] = (uint8_t)(sees_behind ? behind : 0);
-        planes->soft[i] = alpha > 0 && alpha < 255;
+        const pixel_marks made = marks[run->distance[i] + ZERO_DISTANCE];
+        run->planes.alpha[i] = made.alpha;
+        set_marks(&run->planes, i, made);
     }
+}
+
+static void mark_softness(const clean_run* run, bool sees_behind) {
+    pixel_marks marks[256];
+    for (int alpha = 0; alpha < 256; alpha++)
+        marks[alpha] = marks_of_alpha(alpha, sees_behind);
+    const int64_t pixels = pixel_count(run);
+    for (int64_t i = 0; i < pixels; i++)
+        set_marks(&run->planes, i, marks[run->planes.alpha[i]]);
 }
 
 // From the given alpha to the one that comes out, and what is to be cleaned by it.
@@ -164,25 +198,19 @@ static bool find_alpha(clean_run* run, const imageblend_clean_options* options, 
     const bool redrawn = kind == IMAGEBLEND_ALPHA_HARD || findings->fit == IMAGEBLEND_FIT_MOVED;
     run->inwards -= options->grow;
     if (redrawn) {
-        const int64_t pixels = pixel_count(run);
-        for (int64_t i = 0; i < pixels; i++)
-            run->planes.alpha[i] = outline_alpha(run->distance[i], run->inwards);
+        mark_outline(run);
     } else if (options->grow != 0.0f) {
         grow_alpha(run, options->grow);
     }
     *how = !seen ? COLOURS_CUT_OUT : (redrawn ? COLOURS_OUTLINE : COLOURS_THROUGH);
-    if (*how == COLOURS_OUTLINE) {
-        mark_outline(run);
-    } else {
-        mark_softness(run, seen);
-    }
+    if (*how != COLOURS_OUTLINE) mark_softness(run, seen);
     return true;
 }
 
 // All planes from one allocation, which is returned.
 static uint8_t* alloc_planes(clean_run* run) {
     const int64_t pixels = pixel_count(run);
-    uint8_t* block = (uint8_t*)alloc_plane(pixels, 2 + 13, 1);
+    uint8_t* block = (uint8_t*)alloc_plane(pixels, 2 + 7, 1);
     if (block == NULL) return NULL;
     run->distance = (int16_t*)block;
     uint8_t* next = block + 2 * pixels;
@@ -190,8 +218,6 @@ static uint8_t* alloc_planes(clean_run* run) {
     planes->width = run->box->width;
     planes->height = run->box->height;
     uint8_t** all[] = {&planes->seen[0],       &planes->seen[1],       &planes->seen[2],
-                       &planes->object[0],     &planes->object[1],     &planes->object[2],
-                       &planes->behind[0],     &planes->behind[1],     &planes->behind[2],
                        &planes->object_weight, &planes->behind_weight, &planes->alpha,
                        &planes->soft};
     for (uint8_t** plane : all) {

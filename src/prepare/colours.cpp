@@ -59,14 +59,31 @@ static estimate wide_estimate(const colour_planes* planes, const wide_means* mea
     return wide;
 }
 
-// The examples of soft pixels are made from the wide means; all others are the picture.
-static void make_examples(const colour_planes* planes, const wide_means* means, bool through) {
+// What the near means are made of: the picture, or copies of it with better colours in soft pixels.
+typedef struct examples {
+    uint8_t *object[3], *behind[3];
+    uint8_t* copies;  // the allocation, null if there is none
+} examples;
+
+static bool alloc_examples(const colour_planes* planes, bool through, examples* made) {
+    const int64_t pixels = (int64_t)planes->width * planes->height;
+    made->copies = through ? (uint8_t*)alloc_plane(pixels, 6, 1) : NULL;
+    for (int c = 0; c < 3; c++) {
+        const bool copied = made->copies != NULL;
+        made->object[c] = copied ? made->copies + c * pixels : planes->seen[c];
+        made->behind[c] = copied ? made->copies + (3 + c) * pixels : planes->seen[c];
+    }
+    return !through || made->copies != NULL;
+}
+
+// The examples of soft pixels are made from the wide means.
+static void make_examples(const colour_planes* planes, const wide_means* means,
+                          const examples* made) {
     const size_t pixels = (size_t)planes->width * (size_t)planes->height;
     for (int c = 0; c < 3; c++) {
-        memcpy(planes->object[c], planes->seen[c], pixels);
-        memcpy(planes->behind[c], planes->seen[c], pixels);
+        memcpy(made->object[c], planes->seen[c], pixels);
+        memcpy(made->behind[c], planes->seen[c], pixels);
     }
-    if (!through) return;
     for (int64_t y = 0; y < planes->height; y++) {
         for (int64_t x = 0; x < planes->width; x++) {
             const int64_t i = y * planes->width + x;
@@ -76,8 +93,8 @@ static void make_examples(const colour_planes* planes, const wide_means* means, 
             for (int c = 0; c < 3; c++) {
                 const float object = wide.object.channel[c], behind = wide.behind.channel[c];
                 const residual rest = share((float)planes->seen[c][i], object, behind, alpha);
-                planes->object[c][i] = to_byte(object + rest.object);
-                planes->behind[c][i] = to_byte(behind + rest.behind);
+                made->object[c][i] = to_byte(object + rest.object);
+                made->behind[c][i] = to_byte(behind + rest.behind);
             }
         }
     }
@@ -166,6 +183,7 @@ static bool edge_is_clean(const edge_doubt* doubt) {
 typedef struct cleaning {
     const colour_planes* planes;
     const wide_means* means;
+    const examples* samples;
     int32_t how;
     uint8_t* object;  // result, 4 bytes a pixel
     edge_doubt doubt;
@@ -190,14 +208,15 @@ static void add_weights(const uint8_t* weights, int64_t count, uint32_t factor,
 }
 
 // `factor` is 1, or the largest number to take the row away again.
-static void add_row(const colour_planes* planes, int64_t y, uint32_t factor, block* to) {
+static void add_row(const cleaning* work, int64_t y, uint32_t factor, block* to) {
+    const colour_planes* planes = work->planes;
     if (y < 0 || y >= planes->height) return;
     const int64_t first = y * planes->width + to->left;
     const uint8_t *object = planes->object_weight + first, *behind = planes->behind_weight + first;
     for (int c = 0; c < 3; c++) {
-        add_weighed(planes->object[c] + first, object, to->columns, factor,
+        add_weighed(work->samples->object[c] + first, object, to->columns, factor,
                     to->sums[SUM_OBJECT + c]);
-        add_weighed(planes->behind[c] + first, behind, to->columns, factor,
+        add_weighed(work->samples->behind[c] + first, behind, to->columns, factor,
                     to->sums[SUM_BEHIND + c]);
     }
     add_weights(object, to->columns, factor, to->sums[SUM_OBJECT + SUM_WEIGHT]);
@@ -266,11 +285,11 @@ static void clean_block(cleaning* work, int64_t left, int64_t right, block* sums
         if (y - summed > 2 * NEAR) {
             memset(sums->sums, 0, sizeof sums->sums);
             for (int64_t v = y - NEAR; v <= y + NEAR; v++)
-                add_row(planes, v, 1, sums);
+                add_row(work, v, 1, sums);
         } else {
             for (int64_t v = summed + 1; v <= y; v++) {
-                add_row(planes, v + NEAR, 1, sums);
-                add_row(planes, v - NEAR - 1, UINT32_MAX, sums);
+                add_row(work, v + NEAR, 1, sums);
+                add_row(work, v - NEAR - 1, UINT32_MAX, sums);
             }
         }
         summed = y;
@@ -280,14 +299,16 @@ static void clean_block(cleaning* work, int64_t left, int64_t right, block* sums
     }
 }
 
-static void copy_picture(const colour_planes* planes, uint8_t* object) {
+static void copy_picture(const colour_planes* planes, uint8_t* __restrict object) {
     const int64_t pixels = (int64_t)planes->width * planes->height;
-    for (int64_t i = 0; i < pixels; i++, object += 4) {
-        const uint8_t alpha = planes->alpha[i];
-        const uint8_t all = alpha != 0 ? 255 : 0;
-        object[0] = alpha;
-        for (int c = 0; c < 3; c++)
-            object[1 + c] = planes->seen[c][i] & all;
+    const uint8_t* __restrict alpha = planes->alpha, * __restrict first = planes->seen[0];
+    const uint8_t* __restrict second = planes->seen[1], * __restrict third = planes->seen[2];
+    for (int64_t i = 0; i < pixels; i++) {
+        const uint8_t all = alpha[i] != 0 ? 255 : 0;
+        object[4 * i] = alpha[i];
+        object[4 * i + 1] = first[i] & all;
+        object[4 * i + 2] = second[i] & all;
+        object[4 * i + 3] = third[i] & all;
     }
 }
 
@@ -307,16 +328,20 @@ static void keep_clean_edge(const colour_planes* planes, uint8_t* object) {
 bool clean_colours(const colour_planes* planes, int32_t how, uint8_t* object) {
     wide_means means;
     if (!make_wide_means(planes, &means)) return false;
+    examples samples;
+    const bool through = how == COLOURS_THROUGH;
     block* sums = (block*)malloc(sizeof(block));
-    if (sums != NULL) {
-        make_examples(planes, &means, how == COLOURS_THROUGH);
+    const bool ready = alloc_examples(planes, through, &samples) && sums != NULL;
+    if (ready) {
+        if (through) make_examples(planes, &means, &samples);
         copy_picture(planes, object);
-        cleaning work = {planes, &means, how, object, {0.0, 0.0, 0, 0}};
+        cleaning work = {planes, &means, &samples, how, object, {0.0, 0.0, 0, 0}};
         for (int64_t left = 0; left < planes->width; left += BLOCK)
             clean_block(&work, left, min_i64(left + BLOCK, planes->width), sums);
         if (how == COLOURS_CUT_OUT && edge_is_clean(&work.doubt)) keep_clean_edge(planes, object);
     }
+    free(samples.copies);
     free(sums);
     free_wide_means(&means);
-    return sums != NULL;
+    return ready;
 }

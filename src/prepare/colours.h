@@ -19,7 +19,6 @@ typedef struct colour_planes {
     uint8_t* object_weight;  // how well a pixel serves as an example of the object's colours
     uint8_t* behind_weight;  // and of what lies around and behind it; 255 is best
     uint8_t* soft;           // other than 0: the pixel's colours are to be cleaned
-    uint8_t *object[3], *behind[3];  // work: the examples, better ones for soft pixels
 } colour_planes;
 
 // Writes colours and alpha of the object into pixels of 4 bytes: the picture's colours, cleaned

@@ -1,6 +1,7 @@
 #include <string.h>
 
 #include "blend/depth.h"
+#include "prepare/alpha.h"
 #include "prepare/layer.h"
 #include "prepare/picture.h"
 
@@ -58,14 +59,11 @@ static span_box opaque_box(const blend_image* object, const span_box* within) {
     span_box found = {within->right, within->bottom, within->left, within->top};
     for (int64_t y = within->top; y < within->bottom; y++) {
         const uint8_t* row = object->data + 4 * (size_t)y * (size_t)object->width;
-        int64_t begin = within->left, end = within->right;
-        while (begin < end && row[4 * begin] == 0)
-            begin++;
+        int64_t begin, end;
+        find_seen(row + 4 * within->left, within->right - within->left, 4, &begin, &end);
         if (begin == end) continue;
-        while (row[4 * (end - 1)] == 0)
-            end--;
-        found.left = min_i64(found.left, begin);
-        found.right = max_i64(found.right, end);
+        found.left = min_i64(found.left, within->left + begin);
+        found.right = max_i64(found.right, within->left + end);
         found.top = min_i64(found.top, y);
         found.bottom = y + 1;
     }

@@ -90,7 +90,7 @@ static float middle_ratio(const int32_t* counts) {
     int at = 0;
     while (2 * (below + counts[at]) < all)
         below += counts[at++];
-    return ((float)at + 0.5f) / RATIO_ONE;
+    return ((float)at + 0.5f) / (float)RATIO_ONE;
 }
 
 static void find_gains(const ring* r, int32_t reach, int32_t* counts, float* gain) {
