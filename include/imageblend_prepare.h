@@ -22,7 +22,7 @@
  * treated alike, so their order is the caller's.
  *
  * STATUS. 0 is success. -1 is failure: a null pointer, a side below 1, sizes that do not belong
- * together or overflow, a number that is not finite, or missing memory. Nothing is written then.
+ * together or overflow, a number out of its range, or missing memory. Nothing is written then.
  *
  * OWNERSHIP. The caller owns every record and buffer; nothing is kept after a call. Inputs are only
  * read. Outputs must not overlap inputs unless the text allows it.
@@ -101,13 +101,15 @@ int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* bo
  *             Receives alpha in byte 0 and the object's colours; 0 in all bytes where alpha is 0
  *   findings  may be null
  *
- * Alpha. A hard outline is softened by a pixel; softness that is there stays as it is. Where the
- * picture shows what is around the object, a hard outline or one that is soft for a pixel or two
- * moves as a whole, by the one distance at which the colours on its two sides differ most, at most
- * 11 pixels. Colours. What shines through from behind is taken out of the pixels along the edge,
- * and of soft areas; colours that were multiplied by alpha are divided.
+ * Alpha. A hard outline is softened by a pixel; softness that is there stays as it is, but for
+ * `grow` and for an outline that moves. Where the picture shows what is around the object, a hard
+ * outline or one that is soft for a pixel or two moves as a whole, by the one distance at which the
+ * colours on its two sides differ most, if that stands out; less than 11 pixels. Colours. What
+ * shines through from behind is taken out of the pixels along the edge, and of soft areas; colours
+ * that were multiplied by alpha are divided.
  *
- * Memory: 20 bytes for each pixel of the box while it runs.
+ * Memory while it runs: 11 bytes for each pixel of the box, or 17 where softness stays in a picture
+ * that shows what is around the object; and 16 KB and 16 bytes for each of its columns and rows.
  */
 int32_t imageblend_clean(const imageblend_source* source, const imageblend_clean_options* options,
                          const imageblend_box* box, blend_image* object,
@@ -144,24 +146,26 @@ typedef struct imageblend_frames {
  *   width, height  the destination's size
  *   frames         all fields are set; those named `data` to null
  *
- * Returns 0; all sizes in `frames` are 0 when no pixel of the object lies in the destination.
+ * Returns 0; all sizes in `frames` are 0 when no pixel of the object with alpha above 0 lies in the
+ * destination. There is nothing to lay then.
  * Memory: none.
  */
 int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t height,
                          imageblend_frames* frames);
 
 /*
- * Fills the frames. The icon frame is the object over its surroundings over the destination, the
- * mask covers them with the blend's margin: where it ends, both pictures are the same, and no seam
- * can show. Surroundings fade into the destination and are lit like it, by one gain for each
- * channel: the median over the ring.
+ * Fills the frames. The icon frame is the object over its surroundings over the destination, as
+ * far as they lie in the destination; the mask covers them with the blend's margin: where it ends,
+ * both pictures are the same, and no seam can show. Surroundings fade into the destination and are
+ * lit like it, by one gain for each channel: the median over the ring.
  *
  *   layer, destination  as for imageblend_place; byte 0 of the destination is its alpha
  *   frames              from imageblend_place; the three `data` must hold box.width * box.height
  *                       pixels
  *   reach               may be null; receives the pixels of surroundings that came along
  *
- * Memory: five bytes for each pixel of the frames where there are surroundings, else none.
+ * Memory while it runs: 5 bytes for each pixel of the frames and 24 KB if `surroundings` is set and
+ * `reach` is not 0, else none.
  */
 int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
                        const imageblend_frames* frames, int32_t* reach);
@@ -171,9 +175,11 @@ int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destina
  * surroundings keep all their bytes; byte 0 of the others becomes the alpha of both pictures.
  *
  *   frames   from imageblend_lay
- *   blended  colour, of the frames' size, as vorn_imageBlending wrote it; may be frames->icon's
- * data only if the blend wrote elsewhere output   colour, of the destination's size, holding a copy
- * of it; may be the destination itself
+ *   blended  colour, of the frames' size, as vorn_imageBlending wrote it, which may be into
+ *            frames->destination but not into frames->icon: byte 0 of that is read here
+ *   output   colour, of the destination's size, holding a copy of it; may be the destination itself
+ *
+ * Memory: none.
  */
 int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* blended,
                           blend_image* output);
@@ -185,7 +191,8 @@ int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* bl
  *            lies in it, which is a success
  *   reach    may be null; receives the pixels of surroundings that came along
  *
- * Memory: 9 bytes for each pixel of the frames, and that of imageblend_lay and the blend.
+ * Memory while it runs: 9 bytes for each pixel of the frames, and that of imageblend_lay or of the
+ * blend, whichever is more.
  */
 int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture, int32_t* reach);
 
