@@ -34,3 +34,4 @@ for call in blend cutout verify size; do
     fuzz "${call}_fuzzer" calls 256
 done
 fuzz bmp_read_fuzzer bmp 4096
+fuzz prepare_fuzzer prepare 256
