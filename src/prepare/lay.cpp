@@ -78,25 +78,24 @@ static void lay_object(const uint8_t* object, const uint8_t* under, int64_t coun
     }
 }
 
-// A row of surroundings, by their weights, before the object.
-static void lay_surroundings(const uint8_t* from, const uint8_t* weights, const float* gain,
-                             int64_t count, uint8_t* icon) {
-    for (int64_t i = 0; i < count; i++) {
-        if (weights[i] == 0) continue;
-        uint8_t colour[4] = {0};
-        for (int c = 1; c <= 3; c++)
-            colour[c] = lit(from[4 * i + c], gain[c - 1]);
-        lay_over(colour, weights[i], icon + 4 * i);
-    }
-}
-
-// A row of the object over what the icon holds, with that pixel's alpha.
-static void lay_over_surroundings(const uint8_t* object, const uint8_t* weights, int64_t count,
+// A row of the object and then of its surroundings, by their weights, as far as a pixel is not the
+// object's. The picture that they come from holds what is soft of the object already, its shadow
+// too: laid under it, that would count twice.
+static void lay_with_surroundings(const uint8_t* object, const uint8_t* from,
+                                  const uint8_t* weights, const float* gain, int64_t count,
                                   uint8_t* icon) {
-    for (int64_t i = 0; i < count; i++) {
-        const int alpha = object[4 * i];
-        if (alpha > 0) lay_over(object + 4 * i, alpha, icon + 4 * i);
-        icon[4 * i] = (uint8_t)(alpha + ((255 - alpha) * weights[i] + 127) / 255);
+    for (int64_t i = 0; i < count; i++, object += 4, from += 4, icon += 4) {
+        const int alpha = object[0], rest = ((255 - alpha) * weights[i] + 127) / 255;
+        if (alpha > 0) lay_over(object, alpha, icon);
+        if (rest > 0) {
+            // Only what is not the object's is lit.
+            const float own = (float)alpha / 255.0f;
+            uint8_t colour[4] = {0};
+            for (int c = 1; c <= 3; c++)
+                colour[c] = lit(from[c], gain[c - 1] + (1.0f - gain[c - 1]) * own);
+            lay_over(colour, rest, icon);
+        }
+        icon[0] = (uint8_t)(alpha + rest);
     }
 }
 
@@ -116,9 +115,8 @@ static void lay_layer(const imageblend_layer* layer, const imageblend_frames* fr
             continue;
         }
         memcpy(icon, under, 4 * (size_t)count);
-        lay_surroundings(layer->surroundings->data + 4 * from, around->weight + to, around->gain,
-                         count, icon);
-        lay_over_surroundings(object, around->weight + to, count, icon);
+        lay_with_surroundings(object, layer->surroundings->data + 4 * from, around->weight + to,
+                              around->gain, count, icon);
     }
 }
 

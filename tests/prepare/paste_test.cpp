@@ -121,6 +121,28 @@ TEST(Paste, PutsOddAndEvenSizesWhereTheyBelong) {
     }
 }
 
+// A shadow that the mask marks and the surroundings hold falls once.
+TEST(Paste, LaysNothingTwiceThatTheSurroundingsHold) {
+    picture made = texture(90, 90, {{200, 180, 160}}, 1, 2), object(60, 60, 4, 0);
+    picture around = texture(60, 60, {{200, 180, 160}}, 1, 3);
+    for (size_t i = 0; i < around.data.size(); i += 4)
+        around.data[i] = 255;
+    for (size_t i = 0; i < made.data.size(); i += 4)
+        made.data[i] = 255;
+    for (int32_t y = 20; y < 40; ++y) {
+        for (int32_t x = 20; x < 40; ++x) {
+            *object.at(x, y) = 128;  // half of the light is missing
+            for (int c = 1; c <= 3; ++c)
+                around.at(x, y)[c] = static_cast<uint8_t>(around.at(x, y)[c] / 2);
+        }
+    }
+    blend_image record = object.record(), ring = around.record(), output = made.record();
+    const imageblend_layer layer = {&record, &ring, 12, 15, 15};
+    ASSERT_EQ(imageblend_paste(&layer, &output, nullptr), 0);
+    for (int32_t i = 36; i < 54; ++i)
+        EXPECT_NEAR(made.at(i, i)[1], 100, 4) << i;
+}
+
 TEST(Paste, OfWhatCannotBeSeenChangesNothing) {
     picture made = texture(40, 30, {{20, 30, 40}}, 10, 2), object(9, 9, 4, 0);
     const picture before = made;
