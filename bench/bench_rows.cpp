@@ -116,7 +116,7 @@ int main(int argc, char** argv) {
     for (const row_case& row : row_cases) {
         const std::string name = std::string("rows/") + row.name;
         benchmark::RegisterBenchmark((name + "/plain").c_str(), time_row, row, plain_rows);
-        benchmark::RegisterBenchmark((name + "/active").c_str(), time_row, row, *active_rows());
+        benchmark::RegisterBenchmark((name + "/active").c_str(), time_row, row, *active_row_ops());
         benchmark::RegisterBenchmark((name + "/memcpy").c_str(), time_memcpy, row.bytes);
     }
     benchmark::RunSpecifiedBenchmarks();

@@ -20,8 +20,11 @@ workspace_ptr make_workspace(int32_t side) {
 }
 
 void blend(const patch_pair& patches, std::vector<uint8_t>& out, blend_workspace* ws) {
-    if (pyramid_blend(patches.src.data(), patches.dst.data(), patches.mask.data(), out.data(),
-                      nullptr, out.size(), ws) != 0) {
+    const auto rectangle = [&](const std::vector<uint8_t>& pixels) {
+        return packed_patch(pixels.data(), patches.side, patches.side);
+    };
+    const patch src = rectangle(patches.src), dst = rectangle(patches.dst), result = rectangle(out);
+    if (pyramid_blend(&src, &dst, patches.mask.data(), &result, ws, nullptr) != 0) {
         throw std::runtime_error("pyramid_blend failed for side " + std::to_string(patches.side));
     }
 }

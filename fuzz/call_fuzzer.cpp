@@ -4,14 +4,14 @@
 
 #include <iostream>
 
-#include "blend/pyramid_blend.h"
 #include "fuzz_scene.h"
+#include "support/engine_choices.h"
 
 namespace {
 
 [[maybe_unused]] testing::AssertionResult check_blend(const fuzz_scene& input) {
     // Threads are slow to start, so most blends of this size are left without.
-    use_pool_from(input.scene.seed % 16 == 0 ? 0 : -1);
+    support::use_threads_from(input.scene.seed % 16 == 0 ? 0 : -1);
     return support::blend_matches(input.scene, input.alias);
 }
 

@@ -24,6 +24,7 @@ target_include_directories(internal_tests PRIVATE
     $<TARGET_PROPERTY:imageblend_core,INCLUDE_DIRECTORIES>)
 target_link_libraries(internal_tests PRIVATE
     imageblend_flags test_support imageblend_liblog GTest::gtest_main m)
+wrap_engine_choices(internal_tests)
 wrap_faults(internal_tests)
 target_compile_definitions(internal_tests PRIVATE
     IMAGEBLEND_WHOLE_CALLS="${CMAKE_CURRENT_SOURCE_DIR}/hashes/whole_calls.txt")

@@ -23,7 +23,7 @@ static void fill_icon(uint8_t* icon, size_t pixels, const uint8_t* crop, size_t 
 
 static int32_t cut_icon(const blend_image* source, const blend_image* mask, blend_image* icon,
                         uint8_t* crop, size_t crop_bytes) {
-    static const pixel_layout layout_mask = {0, 1}, layout_frame = {0, 4}, layout_packed = {0, 3};
+    static const pixel_layout layout_mask = {0, 1};
     const mask_view view = view_of_mask(mask->data, mask->width, mask->height, &layout_mask);
     mask_box box;
     crop_mask(&view, false, crop, crop_bytes, &box);
@@ -37,8 +37,9 @@ static int32_t cut_icon(const blend_image* source, const blend_image* mask, blen
     LOG_LINE(LOG_DEBUG, "src_imageptr:%p , src_patchimage:%p\n", (void*)source->data,
              (void*)src_patchimage);
     if (cw >= 1 && ch >= 1) {
-        crop_to_rgb(source->data, source->width, src_patchimage, box.x0, box.y0, cw, ch,
-                    &layout_frame, &layout_packed, mask->height);
+        const blend_image frame = {source->width, mask->height, source->data};
+        const pixel_box part = {box.x0, box.y0, cw, ch};
+        crop_to_rgb(&frame, &part, src_patchimage);
         fill_icon(icon->data, (size_t)cw * (size_t)ch, crop, crop_bytes, src_patchimage);
     }
     icon->width = cw;

@@ -3,6 +3,7 @@
 #include "api/zoom_plane.h"
 #include "blend/blend_region.h"
 #include "blend/rotated_icon.h"
+#include "costs.h"
 #include "frame.h"
 #include "imageblend.h"
 #include "log.h"
@@ -99,9 +100,8 @@ static int32_t blend_turned(blend_call* call) {
     if (mask == NULL) return -1;
     const blend_image* icon = g_rotated_icon;
     colour_rotation colours = {call->object.turn, call->icon->data, call->plan.source, icon->data};
-    // Turning a pixel takes about twice as long as blending it.
     const row_work rotation_work = {rotate_colours, &colours, icon->height,
-                                    2 * (int64_t)icon->width * icon->height};
+                                    TURNED_PIXEL_COST * (int64_t)icon->width * icon->height};
     const row_work* fill = &rotation_work;
     if (frame_overlaps(call->icon, call->output->data, frame_bytes(call->destination))) {
         // The output is written while the blend runs, so the icon must have been read before.

@@ -34,11 +34,6 @@ typedef struct mask_extent {
 
 mask_extent scan_mask(const mask_view* mask);
 
-// A box of a frame, which it may reach beyond.
-typedef struct pixel_box {
-    int32_t x, y, width, height;
-} pixel_box;
-
 // Copies a box into packed rows. Rows that do not fit into `crop_bytes` are left out.
 void copy_mask_box(const mask_view* mask, const pixel_box* box, uint8_t* crop, size_t crop_bytes);
 

@@ -1,207 +1,243 @@
 #include "blend/band_bundle.h"
 
-#include "blend/row_conversion.h"
+#include <string.h>
+
+#include "costs.h"
 #include "kernels/band_filters.h"
-#include "kernels/band_kernels.h"
 #include "kernels/row_ops.h"
 #include "numeric.h"
 
-// Rows of the coarser level in a strip of a reduction. More rows filter fewer overlap rows twice;
-// fewer rows need less cache.
-enum { STRIP_ROWS = 16 };
-enum { REDUCE_ROWS = 2 * STRIP_ROWS + 4 };
+static const pixel_layout layout_c3 = {0, 3}, layout_mask = {0, 1};
+
+// Rows of the finer level that a strip of a reduction reads.
+enum { REDUCED_ROWS = 2 * STRIP_ROWS + 4 };
+
+// Rows of the coarser level that a finer row lies between.
+enum { RING_ROWS = 3 };
+
+// Working rows of the way down.
+typedef struct reduce_scratch {
+    uint8_t* cut;     // REDUCED_ROWS rows of the finer level, cut from a frame
+    uint8_t* filter;  // as many, filtered along the row
+} reduce_scratch;
+
+// Working rows of the way up.
+typedef struct merge_scratch {
+    uint8_t* ring[3];  // RING_ROWS coarse rows, widened, of source, destination and result
+    uint8_t* cut_src;  // rows cut from a frame
+    uint8_t* cut_dst;
+    uint8_t* out;
+} merge_scratch;
+
+// Working rows of the coarsest level, as many as are blended together.
+typedef struct top_scratch {
+    uint8_t* cut_src;
+    uint8_t* cut_dst;
+    uint8_t* out;
+    uint8_t* zeros;
+} top_scratch;
+
+static size_t max_size(size_t a, size_t b) {
+    return a > b ? a : b;
+}
+
+static int32_t top_rows_at_once(int32_t width) {
+    return width < TOP_RUN_PIXELS ? TOP_RUN_PIXELS / width : 1;
+}
+
+static size_t top_run_bytes(int32_t width) {
+    return 3 * (size_t)width * (size_t)top_rows_at_once(width);
+}
 
 size_t band_scratch_bytes(int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
-    const size_t rows = 2 * 2 + REDUCE_ROWS + 1 + 1 + 3 * 3;
-    return (rows * row_bytes + REDUCE_ROWS * (row_bytes / 2) + 63) & ~(size_t)63;
+    const size_t reduce = REDUCED_ROWS * (row_bytes + 3 * (size_t)(width / 2));
+    const size_t merge = (3 * RING_ROWS + 3) * row_bytes;
+    // A run of the coarsest level has this many bytes at most, whatever its width is.
+    const size_t top = 4 * max_size(row_bytes, 3 * TOP_RUN_PIXELS);
+    return (max_size(max_size(reduce, merge), top) + 63) & ~(size_t)63;
 }
 
-band_rows split_band_scratch(uint8_t* scratch, int32_t width) {
+static reduce_scratch split_for_reduction(uint8_t* scratch, int32_t width) {
+    const reduce_scratch parts = {scratch, scratch + REDUCED_ROWS * 3 * (size_t)width};
+    return parts;
+}
+
+static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
-    band_rows rows;
-    rows.lap_src = (int16_t*)scratch;
-    rows.lap_dst = rows.lap_src + row_bytes;
-    rows.cut_src = scratch + 4 * row_bytes;
-    rows.cut_dst = rows.cut_src + REDUCE_ROWS * row_bytes;
-    rows.out = rows.cut_dst + row_bytes;
-    rows.filter = rows.out + row_bytes;
-    rows.ring[0] = rows.filter + REDUCE_ROWS * (row_bytes / 2);
-    rows.ring[1] = rows.ring[0] + 3 * row_bytes;
-    rows.ring[2] = rows.ring[1] + 3 * row_bytes;
-    return rows;
+    merge_scratch parts;
+    for (size_t i = 0; i < 3; i++)
+        parts.ring[i] = scratch + i * RING_ROWS * row_bytes;
+    parts.cut_src = scratch + 3 * RING_ROWS * row_bytes;
+    parts.cut_dst = parts.cut_src + row_bytes;
+    parts.out = parts.cut_dst + row_bytes;
+    return parts;
 }
 
-// Rows [begin, end) of the coarser level and what they take of the finer one.
+static top_scratch split_for_top(uint8_t* scratch, int32_t width) {
+    const size_t run_bytes = top_run_bytes(width);
+    const top_scratch parts = {scratch, scratch + run_bytes, scratch + 2 * run_bytes,
+                               scratch + 3 * run_bytes};
+    return parts;
+}
+
+// Rows [begin, end) of the coarser level and what they take of the finer one: from two rows above
+// the first centre to two below the last.
 typedef struct strip {
     int32_t begin, end;
-    int32_t band_pos;
+    int32_t ends;
+    int32_t first_row;
 } strip;
 
-static strip next_strip(const band_bundle* bundle, int32_t begin) {
+// Fills the sizes of a record for the strip that starts at a row, and its place.
+static strip next_strip(const band_bundle* bundle, int32_t begin, band_task* task) {
+    const int32_t fine_height = bundle->fine->height, coarse_height = bundle->coarse->height;
     strip s;
     s.begin = begin;
-    s.end = (int32_t)min_i64(begin + STRIP_ROWS, bundle->end);
-    s.band_pos = begin == 0                           ? BAND_FIRST
-                 : s.end == bundle->expand.src_height ? BAND_LAST
-                                                      : BAND_MIDDLE;
+    s.end = (int32_t)min_i64((int64_t)begin + STRIP_ROWS, bundle->end);
+    s.ends = (begin == 0 ? ENDS_TOP : 0) | (s.end == coarse_height ? ENDS_BOTTOM : 0);
+    s.first_row = begin == 0 ? 0 : 2 * begin - 2;
+    const int32_t end_row = s.end == coarse_height ? fine_height : 2 * s.end + 1;
+    *task = band_task();
+    task->src_width = bundle->fine->width;
+    task->src_height = fine_height;
+    task->src_rows = end_row - s.first_row;
+    task->dst_width = bundle->coarse->width;
+    task->dst_height = coarse_height;
+    task->dst_rows = s.end - s.begin;
     return s;
 }
 
-// The finer rows that the filter of a strip reaches: two above its first centre, two below its
-// last.
-static void place_reduction(const strip* s, band_task* task, int32_t* first_row) {
-    *first_row = s->band_pos == BAND_FIRST ? 0 : 2 * s->begin - 2;
-    const int32_t end = s->band_pos == BAND_LAST ? task->src_height : 2 * s->end + 1;
-    task->src_rows = end - *first_row;
-    task->dst_rows = s->end - s->begin;
-    task->band_pos = s->band_pos;
-}
-
-static void reduce_colours(const band_bundle* bundle, const picture* fine, const picture* coarse) {
-    band_task task = bundle->reduce;
-    const band_rows rows = split_band_scratch(bundle->scratch, task.src_width);
-    task.scratch = rows.filter;
-    for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row);
-        int32_t first_row;
-        place_reduction(&s, &task, &first_row);
-        task.src = read_rows(fine, first_row, task.src_rows, task.src_width, rows.cut_src);
-        task.dst = result_row(coarse, s.begin, task.dst_width, NULL);
-        ImageReduce_BandC3(&task);
-        row = s.end;
+static void reduce_colours(const band_bundle* bundle, const patch* fine, const patch* coarse) {
+    const int32_t width = bundle->fine->width;
+    const reduce_scratch scratch = split_for_reduction(bundle->scratch, width);
+    band_task task;
+    for (int32_t row = bundle->begin; row < bundle->end; row += STRIP_ROWS) {
+        const strip s = next_strip(bundle, row, &task);
+        task.src = read_rows(fine, s.first_row, task.src_rows, width, scratch.cut);
+        task.dst = result_rows(coarse, s.begin, NULL);
+        task.src_geom = task.dst_geom = &layout_c3;
+        task.scratch = scratch.filter;
+        reduce_band(&task, 3, s.ends);
     }
 }
 
 static void reduce_mask(const band_bundle* bundle) {
-    band_task task = bundle->mask_reduce;
-    task.scratch = split_band_scratch(bundle->scratch, task.src_width).filter;
-    for (int32_t row = bundle->begin; row < bundle->end;) {
-        const strip s = next_strip(bundle, row);
-        int32_t first_row;
-        place_reduction(&s, &task, &first_row);
-        task.src = bundle->mask + (size_t)first_row * (size_t)task.src_width;
-        task.dst = bundle->coarse_mask + (size_t)s.begin * (size_t)task.dst_width;
-        ImageReduce_BandC1(&task);
-        row = s.end;
+    band_task task;
+    for (int32_t row = bundle->begin; row < bundle->end; row += STRIP_ROWS) {
+        const strip s = next_strip(bundle, row, &task);
+        task.src = bundle->fine->mask + (size_t)s.first_row * (size_t)task.src_width;
+        task.dst = bundle->coarse->mask + (size_t)s.begin * (size_t)task.dst_width;
+        task.src_geom = task.dst_geom = &layout_mask;
+        task.scratch = split_for_reduction(bundle->scratch, task.src_width).filter;
+        reduce_band(&task, 1, s.ends);
     }
 }
 
-void* band_bundle_src(void* arg) {
-    const band_bundle* bundle = (const band_bundle*)arg;
-    reduce_colours(bundle, &bundle->src, &bundle->coarse_src);
-    return NULL;
+void band_bundle_src(const band_bundle* bundle) {
+    reduce_colours(bundle, &bundle->fine->src, &bundle->coarse->src);
 }
 
-void* band_bundle_dst(void* arg) {
-    const band_bundle* bundle = (const band_bundle*)arg;
-    reduce_colours(bundle, &bundle->dst, &bundle->coarse_dst);
+void band_bundle_dst(const band_bundle* bundle) {
+    reduce_colours(bundle, &bundle->fine->dst, &bundle->coarse->dst);
     reduce_mask(bundle);
-    return NULL;
 }
 
-void* band_bundle_prepare(void* arg) {
+void* band_bundle_down(void* arg) {
     const band_bundle* bundle = (const band_bundle*)arg;
-    bundle->prepare->rows(bundle->prepare->arg, bundle->band, bundle->begin, bundle->end);
+    band_bundle_src(bundle);
+    band_bundle_dst(bundle);
     share_work(bundle->beside);
     pool_signal_done(bundle->pool);
     return NULL;
 }
 
-void* band_bundle_build(void* arg) {
-    band_bundle_src(arg);
-    band_bundle_dst(arg);
-    share_work(((const band_bundle*)arg)->beside);
-    pool_signal_done(((const band_bundle*)arg)->pool);
-    return NULL;
-}
-
-// Coarse rows wait in rings of three, already as wide as the finer level.
-static uint8_t* ring_row(const band_rows* rows, size_t i, int32_t row, size_t row_bytes) {
-    return rows->ring[i] + (size_t)(row % 3) * row_bytes;
+// Coarse rows wait in rings, already as wide as the finer level.
+static uint8_t* ring_row(const merge_scratch* scratch, size_t i, int32_t row, size_t row_bytes) {
+    return scratch->ring[i] + (size_t)(row % RING_ROWS) * row_bytes;
 }
 
 // Coarse row `row` of all three pictures into the rings.
-static void fill_rings(const band_bundle* bundle, int32_t row, const band_rows* rows) {
-    const band_task* task = &bundle->expand;
-    const picture* const coarse[3] = {&bundle->coarse_src, &bundle->coarse_dst,
-                                      &bundle->coarse_result};
+static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
+    const pyramid_level* coarse = bundle->coarse;
+    const patch* const pictures[3] = {&coarse->src, &coarse->dst, &coarse->result};
+    const int32_t width = bundle->fine->width;
     for (size_t i = 0; i < 3; i++) {
-        active_rows()->expand_row_c3(
-            read_rows(coarse[i], row, 1, task->src_width, NULL), task->src_width,
-            ring_row(rows, i, row, 3 * (size_t)task->dst_width), task->dst_width);
+        active_row_ops()->expand_row_c3(read_rows(pictures[i], row, 1, coarse->width, NULL),
+                                     coarse->width, ring_row(scratch, i, row, 3 * (size_t)width),
+                                     width);
     }
 }
 
 // The rows of the rings around coarse row `row`, or the row alone where it is to be copied.
 static coarse_rows rows_around(const band_bundle* bundle, size_t i, int32_t row, bool copied,
-                               const band_rows* rows) {
-    const size_t row_bytes = 3 * (size_t)bundle->expand.dst_width;
-    const bool is_last = copied || row == bundle->expand.src_height - 1;
+                               const merge_scratch* scratch) {
+    const size_t row_bytes = 3 * (size_t)bundle->fine->width;
+    const bool is_last = copied || row == bundle->coarse->height - 1;
     coarse_rows around;
-    around.above = ring_row(rows, i, row > 0 ? row - 1 : row, row_bytes);
-    around.centre = ring_row(rows, i, row, row_bytes);
-    around.below = ring_row(rows, i, is_last ? row : row + 1, row_bytes);
+    around.above = ring_row(scratch, i, row > 0 ? row - 1 : row, row_bytes);
+    around.centre = ring_row(scratch, i, row, row_bytes);
+    around.below = ring_row(scratch, i, is_last ? row : row + 1, row_bytes);
     return around;
 }
 
 // Row `row` of the result. Behind the rows of the last coarse row there may be one more, a copy:
 // between the row and itself.
-static void merge_row(const band_bundle* bundle, int32_t row, const band_rows* rows) {
-    const int32_t width = bundle->expand.dst_width;
-    const bool copied = row == 2 * bundle->expand.src_height;
+static void merge_row(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
+    const pyramid_level* fine = bundle->fine;
+    const int32_t width = fine->width;
+    const bool copied = row == 2 * bundle->coarse->height;
     const int32_t coarse = copied ? row / 2 - 1 : row / 2;
     merge_rows inputs;
-    inputs.mask = bundle->mask + (size_t)row * (size_t)width;
-    inputs.src = read_rows(&bundle->src, row, 1, width, rows->cut_src);
-    inputs.under = read_rows(&bundle->dst, row, 1, width, rows->cut_dst);
-    inputs.coarse_src = rows_around(bundle, 0, coarse, copied, rows);
-    inputs.coarse_under = rows_around(bundle, 1, coarse, copied, rows);
-    inputs.coarse_result = rows_around(bundle, 2, coarse, copied, rows);
-    uint8_t* out = result_row(&bundle->result, row, width, rows->out);
-    ImageMerge_Byte3C(&inputs, copied || row % 2 == 1, out, width);
-    store_row(&bundle->result, row, width, out);
+    inputs.mask = fine->mask + (size_t)row * (size_t)width;
+    inputs.src = read_rows(&fine->src, row, 1, width, scratch->cut_src);
+    inputs.under = read_rows(&fine->dst, row, 1, width, scratch->cut_dst);
+    inputs.coarse_src = rows_around(bundle, 0, coarse, copied, scratch);
+    inputs.coarse_under = rows_around(bundle, 1, coarse, copied, scratch);
+    inputs.coarse_result = rows_around(bundle, 2, coarse, copied, scratch);
+    uint8_t* out = result_rows(&fine->result, row, scratch->out);
+    const row_ops* ops = active_row_ops();
+    (copied || row % 2 == 1 ? ops->merge_odd : ops->merge_even)(&inputs, out, (size_t)width);
+    store_rows(&fine->result, row, 1, width, out);
+}
+
+static void collapse_rows(const band_bundle* bundle) {
+    const int32_t coarse_height = bundle->coarse->height;
+    const merge_scratch scratch = split_for_merge(bundle->scratch, bundle->fine->width);
+    if (bundle->begin > 0) fill_rings(bundle, bundle->begin - 1, &scratch);
+    fill_rings(bundle, bundle->begin, &scratch);
+    for (int32_t row = bundle->begin; row < bundle->end; row++) {
+        if (row + 1 < coarse_height) fill_rings(bundle, row + 1, &scratch);
+        merge_row(bundle, 2 * row, &scratch);
+        merge_row(bundle, 2 * row + 1, &scratch);
+    }
+    const bool is_last = bundle->end == coarse_height;
+    if (is_last && 2 * coarse_height < bundle->fine->height) {
+        merge_row(bundle, 2 * coarse_height, &scratch);
+    }
 }
 
 void* band_bundle_collapse(void* arg) {
     const band_bundle* bundle = (const band_bundle*)arg;
-    const band_rows rows = split_band_scratch(bundle->scratch, bundle->expand.dst_width);
-    if (bundle->begin > 0) fill_rings(bundle, bundle->begin - 1, &rows);
-    fill_rings(bundle, bundle->begin, &rows);
-    for (int32_t row = bundle->begin; row < bundle->end; row++) {
-        if (row + 1 < bundle->expand.src_height) fill_rings(bundle, row + 1, &rows);
-        merge_row(bundle, 2 * row, &rows);
-        merge_row(bundle, 2 * row + 1, &rows);
-    }
-    const bool is_last = bundle->end == bundle->expand.src_height;
-    if (is_last && 2 * bundle->end < bundle->expand.dst_height) {
-        merge_row(bundle, 2 * bundle->end, &rows);
-    }
+    if (bundle->begin < bundle->end) collapse_rows(bundle);
     pool_signal_done(bundle->pool);
     return NULL;
 }
 
-void* band_bundle_top(void* arg) {
-    const band_bundle* bundle = (const band_bundle*)arg;
-    band_task widen = bundle->widen;
-    band_task blend = bundle->blend;
-    const int32_t width = widen.src_width;
-    const band_rows rows = split_band_scratch(bundle->scratch, width);
-    for (int32_t row = bundle->begin; row < bundle->end; row++) {
-        widen.src = read_rows(&bundle->src, row, 1, width, rows.cut_src);
-        widen.dst_lap = rows.lap_src;
-        ImageWiden_Byte3C(&widen);
-        widen.src = read_rows(&bundle->dst, row, 1, width, rows.cut_dst);
-        widen.dst_lap = rows.lap_dst;
-        ImageWiden_Byte3C(&widen);
-        blend.src = bundle->mask + (size_t)row * (size_t)width;
-        blend.lap = rows.lap_src;
-        blend.lap2 = blend.dst_lap = rows.lap_dst;
-        ImageBlend_Short3C(&blend);
-        uint8_t* out = result_row(&bundle->result, row, width, rows.out);
-        narrow_plane_c3(rows.lap_dst, (uint32_t)width, 1, out);
-        store_row(&bundle->result, row, width, out);
+void merge_top_rows(const pyramid_level* top, int32_t begin, int32_t end, uint8_t* scratch) {
+    const int32_t width = top->width, at_once = top_rows_at_once(width);
+    const top_scratch parts = split_for_top(scratch, width);
+    memset(parts.zeros, 0, top_run_bytes(width));
+    const coarse_rows nothing = {parts.zeros, parts.zeros, parts.zeros};
+    for (int32_t row = begin; row < end; row += at_once) {
+        const int32_t rows = (int32_t)min_i64(at_once, (int64_t)end - row);
+        merge_rows inputs;
+        inputs.mask = top->mask + (size_t)row * (size_t)width;
+        inputs.src = read_rows(&top->src, row, rows, width, parts.cut_src);
+        inputs.under = read_rows(&top->dst, row, rows, width, parts.cut_dst);
+        inputs.coarse_src = inputs.coarse_under = inputs.coarse_result = nothing;
+        uint8_t* out = result_rows(&top->result, row, parts.out);
+        active_row_ops()->merge_odd(&inputs, out, (size_t)rows * (size_t)width);
+        store_rows(&top->result, row, rows, width, out);
     }
-    pool_signal_done(bundle->pool);
-    return NULL;
 }

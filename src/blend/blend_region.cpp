@@ -3,19 +3,11 @@
 #include <string.h>
 
 #include "blend/pyramid_blend.h"
-#include "blend/rectangle.h"
 #include "blend/resize.h"
 #include "blend/rotated_icon.h"
+#include "costs.h"
 #include "frame.h"
-#include "kernels/row_ops.h"
 #include "memory.h"
-
-// A rectangle of a frame, copied into a patch of its own; null without memory.
-static uint8_t* cut_patch(const picture* frame, int32_t width, int32_t height) {
-    uint8_t* patch = (uint8_t*)alloc_plane(width, height, 3);
-    if (patch != NULL) read_rows(frame, 0, height, width, patch);
-    return patch;
-}
 
 // The copy of the destination into the output, in pieces of some rows. The rectangle [left, right)
 // x [top, bottom), which the blend will write itself, is left out.
@@ -24,8 +16,6 @@ typedef struct frame_copy {
     const blend_image* to;
     int32_t left, top, right, bottom;
 } frame_copy;
-
-enum { COPY_ROWS = 64 };
 
 static int32_t copy_pieces(const frame_copy* copy) {
     // The two may be one buffer, which holds everything already.
@@ -67,7 +57,7 @@ static bool can_stream(const blend_image* src, const blend_image* dst, const ble
 
 // The source of a blend and what must be done before it can be read.
 typedef struct blend_source {
-    picture rectangle;
+    patch rectangle;
     const row_work* prepare[2];
     rectangle_resize resize;  // where there is a zoom
     row_work resize_work;
@@ -77,22 +67,20 @@ static bool open_source(const blend_image* src, const row_work* fill, const blen
                         blend_source* source) {
     *source = blend_source();
     source->prepare[0] = fill;
-    source->rectangle =
-        frame_picture(src->data, src->width, src->height, box->zoom_left, box->zoom_top);
+    source->rectangle = frame_patch(src, box->zoom_left, box->zoom_top);
     if (box->zoom == 1.0f) return true;
     rectangle_resize* resize = &source->resize;
-    resize->from = frame_picture(src->data, src->width, src->height, box->crop_left, box->crop_top);
+    resize->from = frame_patch(src, box->crop_left, box->crop_top);
     resize->src_width = box->crop_width;
     resize->src_height = box->crop_height;
     resize->dst_width = box->zoom_width;
     resize->dst_height = box->zoom_height;
     resize->dst = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
     if (!open_resize(resize) || resize->dst == NULL) return false;
-    const row_work work = {resize_band, resize, box->zoom_height,
+    source->resize_work = {resize_band, resize, box->zoom_height,
                            (int64_t)box->zoom_width * box->zoom_height};
-    source->resize_work = work;
     source->prepare[1] = &source->resize_work;
-    source->rectangle = packed_picture(resize->dst, box->zoom_width, box->zoom_height);
+    source->rectangle = packed_patch(resize->dst, box->zoom_width, box->zoom_height);
     return true;
 }
 
@@ -102,61 +90,53 @@ static void close_source(blend_source* source) {
 }
 
 // Blends the rectangles straight from frame to frame, and copies the rest of the frame beside it.
-static int32_t blend_streamed(const blend_source* src, const picture* dst, const uint8_t* mask,
+static int32_t blend_streamed(const blend_source* src, const patch* dst, const uint8_t* mask,
                               frame_copy* copy, blend_workspace* ws) {
     const int64_t right = dst->x + (int64_t)ws->width, bottom = dst->y + (int64_t)ws->height;
-    if (dst->x >= 0 && dst->y >= 0 && right <= dst->frame_width && bottom <= dst->frame_height) {
+    if (dst->x >= 0 && dst->y >= 0 && right <= dst->frame.width && bottom <= dst->frame.height) {
         copy->left = dst->x;
         copy->top = dst->y;
         copy->right = (int32_t)right;
         copy->bottom = (int32_t)bottom;
     }
-    picture result = *dst;
-    result.pixels = copy->to->data;
+    patch result = *dst;
+    result.frame.data = copy->to->data;
     const int32_t pieces = copy_pieces(copy);
-    // Copying takes a fifth of the time of blending.
-    const int64_t cost = (int64_t)pieces * COPY_ROWS * copy->from->width / 5;
+    const int64_t cost = (int64_t)pieces * COPY_ROWS * copy->from->width / COPIED_PIXELS_A_COST;
     side_work beside = {copy_piece, copy, pieces, 0, cost};
-    const pyramid_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
-    return blend_pictures(&src->rectangle, dst, mask, &result, ws, &extras);
+    const blend_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
+    return pyramid_blend(&src->rectangle, dst, mask, &result, ws, &extras);
 }
 
-// Blends copies of the rectangles and writes the output when all inputs have been read.
-static int32_t blend_patches(const blend_source* src, const picture* dst, const uint8_t* mask,
-                             const frame_copy* copy, blend_workspace* ws) {
+// A rectangle in memory of its own; null without memory.
+static uint8_t* cut_patch(const patch* from, int32_t width, int32_t height) {
+    uint8_t* pixels = (uint8_t*)alloc_plane(width, height, 3);
+    if (pixels != NULL) read_rows(from, 0, height, width, pixels);
+    return pixels;
+}
+
+// The same where writing the output would change what is still to be read: copies of the rectangles
+// are blended, into an output that holds the destination by then.
+static int32_t blend_copies(const blend_source* src, const patch* dst, const uint8_t* mask,
+                            const frame_copy* copy, blend_workspace* ws) {
     const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
-    const size_t patch_bytes = 3 * (size_t)width * (size_t)height;
     do_rows(src->prepare[0]);
     do_rows(src->prepare[1]);
-    const bool packed = src->rectangle.packed;
-    uint8_t* src_copy = packed ? NULL : cut_patch(&src->rectangle, width, height);
-    const uint8_t* src_patch = packed ? src->rectangle.pixels : src_copy;
+    uint8_t* src_patch = src->rectangle.packed ? NULL : cut_patch(&src->rectangle, width, height);
     uint8_t* dst_patch = cut_patch(dst, width, height);
-    uint8_t* result_patch = (uint8_t*)alloc_plane(width, height, 3);
     int32_t status = -1;
-    if (src_patch != NULL && dst_patch != NULL && result_patch != NULL) {
-        if (ws->levels == 0) {
-            active_rows()->widen(src_patch, ws->lap_src[0], patch_bytes);
-            active_rows()->widen(dst_patch, ws->lap_dst[0], patch_bytes);
-        }
-        status = pyramid_blend(src_patch, dst_patch, mask, result_patch, NULL, patch_bytes, ws);
-    }
-    if (status == 0) {
+    if ((src->rectangle.packed || src_patch != NULL) && dst_patch != NULL) {
+        const patch src_copy =
+            src->rectangle.packed ? src->rectangle : packed_patch(src_patch, width, height);
+        const patch dst_copy = packed_patch(dst_patch, width, height);
+        patch result = *dst;
+        result.frame.data = copy->to->data;
         copy_frame(copy);
-        write_region_argb(copy->to->data, dst->frame_width, result_patch, dst->x, dst->y, width,
-                          height, dst->frame_height);
+        status = pyramid_blend(&src_copy, &dst_copy, mask, &result, ws, NULL);
     }
-    free(src_copy);
+    free(src_patch);
     free(dst_patch);
-    free(result_patch);
     return status;
-}
-
-// Whether every level that is built has rows enough for bands. Then nothing can fail any more when
-// the output is first written.
-static bool all_in_bands(int32_t height, int32_t levels) {
-    return levels > 0 && levels <= MAX_LEVELS &&
-           ((int64_t)height >> (levels - 1)) >= MIN_BAND_HEIGHT;
 }
 
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
@@ -168,8 +148,7 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
         free_rotated_icon();
         return 0;
     }
-    const picture rectangle =
-        frame_picture(dst->data, dst->width, dst->height, box->left, box->top);
+    const patch rectangle = frame_patch(dst, box->left, box->top);
     blend_source source;
     blend_workspace* ws = NULL;
     int32_t status = -1;
@@ -178,10 +157,8 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
                                    box->levels > 0 ? (uint32_t)box->levels : 0);
     }
     if (ws != NULL) {
-        const bool streams =
-            all_in_bands(box->zoom_height, box->levels) && can_stream(src, dst, out);
-        status = streams ? blend_streamed(&source, &rectangle, mask, &copy, ws)
-                         : blend_patches(&source, &rectangle, mask, &copy, ws);
+        status = can_stream(src, dst, out) ? blend_streamed(&source, &rectangle, mask, &copy, ws)
+                                           : blend_copies(&source, &rectangle, mask, &copy, ws);
     }
     free_blend_workspace(ws);
     close_source(&source);

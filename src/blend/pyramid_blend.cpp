@@ -1,24 +1,24 @@
 #include "blend/pyramid_blend.h"
 
-#include "blend/row_conversion.h"
-#include "kernels/row_ops.h"
+#include "blend/band_bundle.h"
+#include "blend/threading.h"
+#include "costs.h"
 #include "memory.h"
 
-static int64_t pool_pixels_of_tests = -1;
+enum { BAND_COUNT = 4 };
 
-void use_pool_from(int64_t pixels) {
-    pool_pixels_of_tests = pixels;
-}
-
-// Work of less than 2 ms is done sooner by the caller alone: starting and joining four threads
-// takes 0.1 to 0.3 ms, and at most half of the work is saved where there are two cores.
-static int64_t min_pool_pixels(void) {
-    if (pool_pixels_of_tests >= 0) return pool_pixels_of_tests;
-    return active_rows()->pixels_a_ms * 2;
-}
+// What all stages of one blend share.
+typedef struct pyramid {
+    pyramid_level levels[MAX_LEVELS + 1];  // the finest first
+    int32_t top;                           // index of the coarsest
+    thread_pool* pool;                     // null when everything runs in the caller
+    int64_t least_stage_pixels;            // smaller levels run in the caller all the same
+    side_work* beside;                     // may be null
+    uint8_t* band_scratch[BAND_COUNT];
+} pyramid;
 
 // All work of the call, in pixels of a blend.
-static int64_t work_pixels(const blend_workspace* ws, const pyramid_extras* extras) {
+static int64_t work_pixels(const blend_workspace* ws, const blend_extras* extras) {
     int64_t pixels = (int64_t)ws->width * ws->height;
     for (const row_work* work : extras->prepare) {
         if (work != NULL) pixels += work->pixels;
@@ -36,88 +36,142 @@ static int32_t buildable_levels(const blend_workspace* ws) {
     return levels;
 }
 
-// The 8-bit levels below the finest lie one behind the other in the workspace's byte planes: those
-// of the source in down_plane, of the destination in down_plane2, of the result in up_plane.
-// Together they have a third of the finest level's pixels.
-static void place_levels(pyramid_run* run, const uint8_t* mask) {
-    blend_workspace* ws = run->ws;
+// The levels below the finest lie one behind the other in the workspace's byte planes: those of the
+// source in down_plane, of the destination in down_plane2, of the result in up_plane.
+static void place_levels(const blend_workspace* ws, pyramid* p) {
     size_t offset = 0;
-    run->mask[0] = mask;
-    for (int32_t l = 1; l <= run->levels; l++) {
-        const int32_t width = (int32_t)ws->level_width[l], height = (int32_t)ws->level_height[l];
-        run->src[l] = packed_picture(ws->down_plane + offset, width, height);
-        run->dst[l] = packed_picture(ws->down_plane2 + offset, width, height);
-        run->result[l] = packed_picture(ws->up_plane + offset, width, height);
-        run->mask[l] = ws->mask_levels[l];
-        offset += 3 * (size_t)width * (size_t)height;
+    p->top = buildable_levels(ws);
+    for (int32_t l = 0; l <= p->top; l++) {
+        pyramid_level* level = &p->levels[l];
+        level->width = (int32_t)ws->level_width[l];
+        level->height = (int32_t)ws->level_height[l];
+        if (l == 0) continue;
+        level->src = packed_patch(ws->down_plane + offset, level->width, level->height);
+        level->dst = packed_patch(ws->down_plane2 + offset, level->width, level->height);
+        level->result = packed_patch(ws->up_plane + offset, level->width, level->height);
+        level->mask = ws->mask_levels[l];
+        offset += 3 * (size_t)level->width * (size_t)level->height;
     }
 }
 
 // Without a pool the bands run one after the other and share one scratch.
-static bool alloc_band_scratch(pyramid_run* run) {
-    const size_t bytes = band_scratch_bytes((int32_t)run->ws->width);
-    const int64_t count = run->pool != NULL ? BAND_COUNT : 1;
+static bool alloc_band_scratch(pyramid* p) {
+    const size_t bytes = band_scratch_bytes(p->levels[0].width);
+    const int64_t count = p->pool != NULL ? BAND_COUNT : 1;
     uint8_t* scratch = (uint8_t*)alloc_plane((int64_t)bytes, count, 1);
     for (int32_t k = 0; k < BAND_COUNT && scratch != NULL; k++) {
-        run->band_scratch[k] = scratch + (run->pool != NULL ? (size_t)k * bytes : 0);
+        p->band_scratch[k] = scratch + (p->pool != NULL ? (size_t)k * bytes : 0);
     }
     return scratch != NULL;
 }
 
-static bool run_stages(pyramid_run* run, const pyramid_extras* extras) {
+// The first row of band k of `rows` rows; the last band takes the remainder.
+static int32_t band_start(int32_t rows, int32_t k) {
+    return k < BAND_COUNT ? k * (rows / BAND_COUNT) : rows;
+}
+
+// Runs a task for each of four arguments that lie `arg_bytes` apart, in the caller without a pool,
+// and returns when all are done.
+static void run_stage(pyramid* p, thread_pool* pool, void* (*routine)(void*), void* args,
+                      size_t arg_bytes) {
+    if (pool != NULL) pool_reset_done(pool);
+    for (size_t k = 0; k < BAND_COUNT; k++) {
+        void* arg = (uint8_t*)args + k * arg_bytes;
+        if (pool != NULL) {
+            pool_add_task(pool, routine, arg);
+        } else {
+            routine(arg);
+        }
+    }
+    if (pool == NULL) return;
+    share_work(p->beside);
+    pool_help(pool);
+    pool_wait_done(pool, BAND_COUNT);
+}
+
+// A band of work on rows, as one pool task.
+typedef struct row_band {
+    const row_work* work;
+    int32_t band;
+    thread_pool* pool;
+    side_work* beside;
+} row_band;
+
+static void* run_row_band(void* arg) {
+    const row_band* task = (const row_band*)arg;
+    const row_work* work = task->work;
+    work->rows(work->arg, task->band, band_start(work->height, task->band),
+               band_start(work->height, task->band + 1));
+    share_work(task->beside);
+    pool_signal_done(task->pool);
+    return NULL;
+}
+
+static void run_rows(pyramid* p, const row_work* work, thread_pool* pool) {
+    row_band bands[BAND_COUNT];
+    for (int32_t k = 0; k < BAND_COUNT; k++)
+        bands[k] = {work, k, pool, p->beside};
+    run_stage(p, pool, run_row_band, bands, sizeof bands[0]);
+}
+
+// Where a stage of the level runs: in the caller, null, if its work is less than that of waking
+// threads and waiting for them. The finest level has all other work beside or before it.
+static thread_pool* stage_pool(const pyramid* p, int32_t level) {
+    const int64_t pixels = (int64_t)p->levels[level].width * p->levels[level].height;
+    return level == 0 || pixels >= p->least_stage_pixels ? p->pool : NULL;
+}
+
+// A step between `level` and the next coarser one.
+static void run_step(pyramid* p, int32_t level, void* (*routine)(void*)) {
+    const int32_t rows = p->levels[level + 1].height;
+    band_bundle bundles[BAND_COUNT];
+    for (int32_t k = 0; k < BAND_COUNT; k++) {
+        bundles[k] = {&p->levels[level],       &p->levels[level + 1], band_start(rows, k),
+                      band_start(rows, k + 1), p->band_scratch[k],    p->beside,
+                      stage_pool(p, level)};
+    }
+    run_stage(p, bundles[0].pool, routine, bundles, sizeof bundles[0]);
+}
+
+static void merge_top_band(void* arg, int32_t band, int32_t begin, int32_t end) {
+    const pyramid* p = (const pyramid*)arg;
+    merge_top_rows(&p->levels[p->top], begin, end, p->band_scratch[band]);
+}
+
+static void run_stages(pyramid* p, const blend_extras* extras) {
     for (const row_work* work : extras->prepare) {
-        if (work != NULL) prepare_source(run, work);
+        if (work != NULL) run_rows(p, work, p->pool);
     }
     // With a single level the first stage writes the result already.
-    if (run->levels == 0) share_work(run->beside);
-    for (int32_t l = 0; l < run->levels; l++) {
-        if (!build_level(run, l)) return false;
-    }
-    blend_top(run);
-    for (int32_t l = run->levels - 1; l >= 0; l--) {
-        if (!collapse_level(run, l)) return false;
-    }
-    return true;
+    if (p->top == 0) share_work(p->beside);
+    for (int32_t l = 0; l < p->top; l++)
+        run_step(p, l, band_bundle_down);
+    const row_work top = {merge_top_band, p, p->levels[p->top].height, 0};
+    run_rows(p, &top, stage_pool(p, p->top));
+    for (int32_t l = p->top - 1; l >= 0; l--)
+        run_step(p, l, band_bundle_collapse);
 }
 
-int32_t blend_pictures(const picture* src, const picture* dst, const uint8_t* mask,
-                       const picture* result, blend_workspace* ws, const pyramid_extras* extras) {
-    pyramid_run run = pyramid_run();
-    run.ws = ws;
-    run.levels = buildable_levels(ws);
-    run.beside = extras->beside;
-    run.layout_mask.step = 1;
-    run.layout_c3.step = 3;
-    run.src[0] = *src;
-    run.dst[0] = *dst;
-    run.result[0] = *result;
-    place_levels(&run, mask);
-    const int64_t pool_pixels = min_pool_pixels();
-    if (work_pixels(ws, extras) >= pool_pixels) {
+int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, const patch* result,
+                      blend_workspace* ws, const blend_extras* extras) {
+    static const blend_extras none = {{NULL, NULL}, NULL};
+    if (extras == NULL) extras = &none;
+    pyramid p = pyramid();
+    place_levels(ws, &p);
+    p.levels[0].src = *src;
+    p.levels[0].dst = *dst;
+    p.levels[0].result = *result;
+    p.levels[0].mask = (uint8_t*)(uintptr_t)mask;  // only read
+    p.beside = extras->beside;
+    const int64_t threaded_pixels = least_threaded_pixels();
+    if (work_pixels(ws, extras) >= threaded_pixels) {
         thread_pool* pool = NULL;
-        if (pool_init(&pool, BAND_COUNT) == 0) run.pool = pool;
-        run.min_stage_pixels = pool_pixels / 4;  // handing a stage over costs 20 to 60 us
+        if (pool_init(&pool, BAND_COUNT) == 0) p.pool = pool;
+        p.least_stage_pixels = threaded_pixels / THREADED_STAGE_PARTS;
     }
-    const bool done = alloc_band_scratch(&run) && run_stages(&run, extras);
-    if (run.pool != NULL) pool_destroy(run.pool);
-    free(run.band_scratch[0]);
+    const bool done = alloc_band_scratch(&p);
+    if (done) run_stages(&p, extras);
+    if (p.pool != NULL) pool_destroy(p.pool);
+    free(p.band_scratch[0]);
     return done ? 0 : -1;
-}
-
-int32_t pyramid_blend(const uint8_t* src_patch, const uint8_t* dst_patch, const uint8_t* mask,
-                      uint8_t* result_patch, uint8_t* scratch_patch, size_t patch_bytes,
-                      blend_workspace* ws) {
-    (void)scratch_patch;
-    const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
-    if (ws->levels < 1) {
-        active_rows()->blend(mask, ws->lap_src[0], ws->lap_dst[0], ws->lap_dst[0], patch_bytes / 3);
-        narrow_plane_c3(ws->lap_dst[0], ws->width, height, result_patch);
-        return 0;
-    }
-    // A picture is a place to read or to write; the two inputs are only read.
-    const picture src = packed_picture((uint8_t*)(uintptr_t)src_patch, width, height);
-    const picture dst = packed_picture((uint8_t*)(uintptr_t)dst_patch, width, height);
-    const picture result = packed_picture(result_patch, width, height);
-    const pyramid_extras extras = {{NULL, NULL}, NULL};
-    return blend_pictures(&src, &dst, mask, &result, ws, &extras);
 }

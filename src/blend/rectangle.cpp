@@ -17,14 +17,13 @@ static inside_span span_inside(int64_t first_index, int64_t width, int64_t frame
     return span;
 }
 
-// Pixels outside the linear range, one by one, from the nearest pixel of the frame.
-static void copy_clamped(const uint8_t* frame, int64_t frame_width, int64_t frame_height,
-                         int64_t step, int64_t x, int64_t y, int64_t count, uint8_t* dst,
-                         int64_t dst_step) {
-    const int64_t row = clamp_i64(y, 0, frame_height - 1) * frame_width;
+// `count` pixels outside the linear range, one by one, from the nearest pixel of the frame.
+static void copy_clamped(const blend_image* frame, int64_t x, int64_t y, int64_t count,
+                         uint8_t* dst) {
+    const int64_t row = clamp_i64(y, 0, (int64_t)frame->height - 1) * frame->width;
     for (int64_t c = 0; c < count; c++) {
-        const int64_t index = row + clamp_i64(x + c, 0, frame_width - 1);
-        memcpy(dst + c * dst_step, frame + index * step + 1, 3);
+        const int64_t index = row + clamp_i64(x + c, 0, (int64_t)frame->width - 1);
+        memcpy(dst + 3 * c, frame->data + 4 * index + 1, 3);
     }
 }
 
@@ -41,61 +40,58 @@ static void fetch_ahead(const uint8_t* pixels, int64_t count, int64_t ahead) {
     }
 }
 
-static void copy_inside(const uint8_t* src, int64_t src_step, uint8_t* dst, int64_t dst_step,
-                        int64_t count, int64_t ahead) {
-    if (src_step != 4 || dst_step != 3) {
-        for (int64_t c = 0; c < count; c++)
-            memcpy(dst + c * dst_step, src + c * src_step + 1, 3);
-        return;
-    }
+static void copy_inside(const uint8_t* src, uint8_t* dst, int64_t count, int64_t ahead) {
     for (int64_t c = 0; c < count; c += RUN_PIXELS) {
         const int64_t run = min_i64(RUN_PIXELS, count - c);
         fetch_ahead<0>(src + 4 * c, run, ahead);
-        active_rows()->pack_rgb(src + 4 * c, dst + 3 * c, (size_t)run);
+        active_row_ops()->pack_rgb(src + 4 * c, dst + 3 * c, (size_t)run);
     }
 }
 
-void crop_to_rgb(const uint8_t* src, int32_t src_width, uint8_t* dst, int32_t x0, int32_t y0,
-                 int32_t width, int32_t height, const pixel_layout* src_layout,
-                 const pixel_layout* dst_layout, int32_t src_height) {
-    if (width < 1 || height < 1) return;
-    const int64_t src_step = src_layout->step, dst_step = dst_layout->step;
-    if (src_width < 1 || src_height < 1) {
-        memset(dst, 0, (size_t)width * (size_t)height * (size_t)dst_step);
+// Where a row of a rectangle lies in a frame of `frame_pixels` pixels.
+typedef struct row_place {
+    int64_t first;     // index of its first pixel
+    inside_span span;  // columns inside
+    int64_t ahead;
+} row_place;
+
+static row_place place_row(const blend_image* frame, const pixel_box* box, int64_t row) {
+    const int64_t frame_pixels = (int64_t)frame->width * frame->height;
+    row_place place;
+    place.first = (box->y + row) * frame->width + box->x;
+    place.span = span_inside(place.first, box->width, frame_pixels);
+    const bool has_next = place.first + place.span.end + frame->width <= frame_pixels;
+    place.ahead = has_next ? 4 * (int64_t)frame->width : 0;
+    return place;
+}
+
+void crop_to_rgb(const blend_image* src, const pixel_box* box, uint8_t* dst) {
+    if (box->width < 1 || box->height < 1) return;
+    if (src->width < 1 || src->height < 1) {
+        memset(dst, 0, 3 * (size_t)box->width * (size_t)box->height);
         return;
     }
-    const int64_t frame_pixels = (int64_t)src_width * src_height;
-    for (int64_t r = 0; r < height; r++, dst += width * dst_step) {
-        const int64_t y = (int64_t)y0 + r;
-        const int64_t first = y * src_width + x0;
-        const inside_span span = span_inside(first, width, frame_pixels);
-        copy_clamped(src, src_width, src_height, src_step, x0, y, span.begin, dst, dst_step);
+    for (int64_t r = 0; r < box->height; r++, dst += 3 * (ptrdiff_t)box->width) {
+        const row_place place = place_row(src, box, r);
+        const inside_span span = place.span;
+        copy_clamped(src, box->x, box->y + r, span.begin, dst);
         if (span.begin < span.end) {
-            const int64_t ahead =
-                first + span.end + src_width <= frame_pixels ? src_width * src_step : 0;
-            copy_inside(src + (first + span.begin) * src_step, src_step,
-                        dst + span.begin * dst_step, dst_step, span.end - span.begin, ahead);
+            copy_inside(src->data + 4 * (place.first + span.begin), dst + 3 * span.begin,
+                        span.end - span.begin, place.ahead);
         }
-        copy_clamped(src, src_width, src_height, src_step, x0 + span.end, y, width - span.end,
-                     dst + span.end * dst_step, dst_step);
+        copy_clamped(src, box->x + span.end, box->y + r, box->width - span.end, dst + 3 * span.end);
     }
 }
 
-void write_region_argb(uint8_t* out_pixels, int32_t row_width, const uint8_t* patch, int32_t x,
-                       int32_t y, int32_t width, int32_t height, int32_t frame_height) {
-    if (width < 1 || height < 1 || row_width < 1 || frame_height < 1) return;
-    const int64_t frame_pixels = (int64_t)row_width * frame_height;
-    for (int64_t r = 0; r < height; r++) {
-        const int64_t first = ((int64_t)y + r) * row_width + x;
-        const inside_span span = span_inside(first, width, frame_pixels);
-        if (span.begin == span.end) continue;
-        const int64_t ahead =
-            first + span.end + row_width <= frame_pixels ? 4 * (int64_t)row_width : 0;
-        for (int64_t c = span.begin; c < span.end; c += RUN_PIXELS) {
-            const int64_t run = min_i64(RUN_PIXELS, span.end - c);
-            uint8_t* out = out_pixels + 4 * (first + c);
-            fetch_ahead<1>(out, run, ahead);
-            active_rows()->unpack_rgb(patch + 3 * (r * width + c), out, (size_t)run);
+void write_region_argb(const blend_image* out, const pixel_box* box, const uint8_t* patch) {
+    if (box->width < 1 || box->height < 1 || out->width < 1 || out->height < 1) return;
+    for (int64_t r = 0; r < box->height; r++, patch += 3 * (ptrdiff_t)box->width) {
+        const row_place place = place_row(out, box, r);
+        for (int64_t c = place.span.begin; c < place.span.end; c += RUN_PIXELS) {
+            const int64_t run = min_i64(RUN_PIXELS, place.span.end - c);
+            uint8_t* pixels = out->data + 4 * (place.first + c);
+            fetch_ahead<1>(pixels, run, place.ahead);
+            active_row_ops()->unpack_rgb(patch + 3 * c, pixels, (size_t)run);
         }
     }
 }

@@ -119,7 +119,7 @@ static const uint8_t* window_row(row_window* w, size_t row) {
         const uint8_t* packed = read_rows(&r->from, (int32_t)row, 1, r->src_width, w->cut);
         if (packed != w->cut) memcpy(w->cut, packed, row_bytes);
         memcpy(w->cut + row_bytes, w->cut + row_bytes - 3, 3);
-        active_rows()->resample_row_c3(w->cut, r->taps, w->resized[slot], (size_t)r->dst_width);
+        active_row_ops()->resample_row_c3(w->cut, r->taps, w->resized[slot], (size_t)r->dst_width);
         w->row[slot] = (int64_t)row;
     }
     return w->resized[slot];
@@ -139,6 +139,6 @@ void resize_band(void* arg, int32_t band, int32_t begin, int32_t end) {
         const resize_tap tap = tap_at(i * step, r->src_height);
         const uint8_t* a = window_row(&w, tap.a);
         const uint8_t* b = window_row(&w, tap.b);
-        active_rows()->mix_rows(a, b, tap.weight_b, r->dst + (size_t)i * row_bytes, row_bytes);
+        active_row_ops()->mix_rows(a, b, tap.weight_b, r->dst + (size_t)i * row_bytes, row_bytes);
     }
 }

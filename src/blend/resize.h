@@ -12,7 +12,7 @@
 #ifndef IMAGEBLEND_BLEND_RESIZE_H
 #define IMAGEBLEND_BLEND_RESIZE_H
 
-#include "blend/picture.h"
+#include "blend/patch.h"
 #include "kernels/row_ops.h"
 
 // The resize of a rectangle of `src_width` x `src_height` pixels of a 4-byte frame, which is cut
@@ -20,7 +20,7 @@
 // its own in all but its place in memory. Up to four bands of output rows may be made at the same
 // time.
 typedef struct rectangle_resize {
-    picture from;
+    patch from;
     int32_t src_width, src_height;
     uint8_t* dst;
     int32_t dst_width, dst_height;

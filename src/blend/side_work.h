@@ -24,8 +24,7 @@ static inline void share_work(side_work* work) {
     }
 }
 
-// Work that fills the rows of a picture before the first level reads it, a band of rows on each
-// thread. Rows [begin, end) of band 0 .. 3.
+// Work on independent rows, a band of them on each thread: rows [begin, end) of band 0 .. 3.
 typedef struct row_work {
     void (*rows)(void* arg, int32_t band, int32_t begin, int32_t end);
     void* arg;

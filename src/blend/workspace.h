@@ -1,4 +1,4 @@
-// All planes of all levels of one blend, in one block.
+// The coarser levels of one blend, in one block.
 #ifndef IMAGEBLEND_BLEND_WORKSPACE_H
 #define IMAGEBLEND_BLEND_WORKSPACE_H
 
@@ -7,26 +7,18 @@
 // Deeper than any 32-bit side can be halved.
 enum { MAX_LEVELS = 32 };
 
-// Levels of fewer rows than this are done whole instead of in bands: each band needs two rows of
-// the next level, so that no strip is both the first and the last of its level.
-enum { MIN_BAND_HEIGHT = 16 };
-
 // Level l has w(l) = width >> l by h(l) = height >> l pixels, l = 0 .. levels. Planes are packed;
 // the colour planes have three interleaved channels, the mask one.
 //
-// The finest level belongs to the caller and is not here. The coarser 8-bit levels lie one behind
-// the other, finest first. 16-bit planes exist only where a level is done whole, and for the only
-// level of a pyramid without coarser ones; elsewhere their pointers are null, since a band never
-// has more than a row of them. So the block has about 3.3 bytes for a pixel of the finest level. It
-// holds, in this order: this header, the arrays in the order level_width, level_height, lap_dst,
-// lap_src, mask_levels (levels + 1 entries each), down_plane, down_plane2, up_plane, and for each
-// level lap_dst, lap_src and mask. Every 16-bit plane and mask starts at an even offset.
+// The finest level belongs to the caller and is not here. The colours of the others lie one level
+// behind the other, finest first; no level is ever whole in 16 bits. So the block has about 3.3
+// bytes for a pixel of the finest level. It holds, in this order: this header, the arrays
+// level_width, level_height and mask_levels (levels + 1 entries each), down_plane, down_plane2,
+// up_plane, and the mask of each level. Every mask starts at an even offset.
 typedef struct blend_workspace {
     uint32_t levels;
     uint32_t width;
     uint32_t height;
-    int16_t** lap_dst;      // destination's Laplacian level, overwritten by the blended one
-    int16_t** lap_src;      // source's Laplacian level
     uint8_t** mask_levels;  // reductions of the mask; null for level 0
     uint32_t* level_width;
     uint32_t* level_height;
@@ -35,9 +27,8 @@ typedef struct blend_workspace {
     uint8_t* up_plane;     // levels of the result
 } blend_workspace;
 
-// A workspace, or null after one line in the log. Without coarser levels its planes are filled with
-// zeros; otherwise they are left as the system gives them, since each is written before it is read.
-// The caller frees it with free_blend_workspace.
+// A workspace, or null after one line in the log. Its planes are left as the system gives them,
+// since each is written before it is read. The caller frees it with free_blend_workspace.
 blend_workspace* alloc_blend_workspace(int32_t width, int32_t height, uint32_t levels);
 
 void free_blend_workspace(blend_workspace* ws);

@@ -9,27 +9,22 @@ static size_t band_elements(const band_task* task) {
 }
 
 int32_t ImageLaplace_Byte3C(const band_task* task) {
-    active_rows()->subtract(task->src, task->src2, task->dst_lap, band_elements(task));
+    active_row_ops()->subtract(task->src, task->src2, task->dst_lap, band_elements(task));
     return 0;
 }
 
 int32_t ImageWiden_Byte3C(const band_task* task) {
-    active_rows()->widen(task->src, task->dst_lap, band_elements(task));
+    active_row_ops()->widen(task->src, task->dst_lap, band_elements(task));
     return 0;
 }
 
 int32_t ImageCollapse_Short3C(const band_task* task) {
-    active_rows()->collapse(task->lap, task->src, task->dst, band_elements(task));
+    active_row_ops()->collapse(task->lap, task->src, task->dst, band_elements(task));
     return 0;
 }
 
-void ImageMerge_Byte3C(const merge_rows* rows, bool odd, uint8_t* dst, int32_t pixels) {
-    const row_ops* ops = active_rows();
-    if (pixels > 0) (odd ? ops->merge_odd : ops->merge_even)(rows, dst, (size_t)pixels);
-}
-
 static void blend_band(const band_task* task, size_t pixels) {
-    const row_ops* rows = active_rows();
+    const row_ops* rows = active_row_ops();
     const size_t mask_step = (size_t)task->mask_geom->step;
     const size_t lap_step = (size_t)task->src_geom->step;
     const size_t lap2_step = (size_t)task->src2_geom->step;
@@ -54,7 +49,7 @@ void* ImageBlend_Short3C(void* arg) {
 
 void* ImageNarrow_Short3C(void* arg) {
     const band_task* task = (const band_task*)arg;
-    active_rows()->narrow(task->lap, task->dst, band_elements(task));
+    active_row_ops()->narrow(task->lap, task->dst, band_elements(task));
     pool_signal_done(task->pool);
     return NULL;
 }

@@ -9,7 +9,7 @@
 #ifndef IMAGEBLEND_KERNELS_BAND_KERNELS_H
 #define IMAGEBLEND_KERNELS_BAND_KERNELS_H
 
-#include "blend/band_task.h"
+#include "kernels/band_task.h"
 #include "kernels/row_ops.h"
 
 // dst_lap[i] = src[i] - src2[i], in -255..255: the level minus the expanded coarser level.
@@ -21,12 +21,6 @@ int32_t ImageWiden_Byte3C(const band_task* task);
 // dst[i] = min(max(lap[i] + src[i], 0), 255), the sum wrapping at 16 bits: one step of the
 // collapse.
 int32_t ImageCollapse_Short3C(const band_task* task);
-
-// The way up in one, for an even or an odd row: the columns of ImageExpand_BandC3 for the source,
-// the destination and the result, ImageLaplace_Byte3C of the first two, ImageBlend_Short3C and
-// ImageCollapse_Short3C, without the rows between them. `pixels` pixels; `dst` holds three bytes
-// for each.
-void ImageMerge_Byte3C(const merge_rows* rows, bool odd, uint8_t* dst, int32_t pixels);
 
 // For each channel of pixel p, with m = src[p] and lap, lap2 in -255..255:
 //   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down

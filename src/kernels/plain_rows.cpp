@@ -1,51 +1,39 @@
 #include <string.h>
 
+#include "kernels/row_math.h"
 #include "kernels/vector_rows.h"
 
-static inline uint8_t reduce5(int a, int b, int c, int d, int e) {
-    return (uint8_t)((a + 4 * b + 6 * c + 4 * d + e + 8) >> 4);
-}
-
-static inline uint8_t expand3(int a, int b, int c) {
-    return (uint8_t)((a + 6 * b + c + 4) >> 3);
-}
-
-static inline uint8_t expand2(int b, int c) {
-    return (uint8_t)((4 * (b + c) + 4) >> 3);
-}
-
-// The output around sample s, which reaches `left`, `near_left` and `right` elements from it.
-template <int channels>
-static inline void reduce_pixel(const uint8_t* __restrict s, int left, int near_left, int right,
+// The output around sample s of pixels `step` bytes apart; the samples on its left are `left` and
+// `near_left` bytes from it, the second on its right `right` bytes.
+static inline void reduce_pixel(const uint8_t* __restrict s, ptrdiff_t left, ptrdiff_t near_left,
+                                ptrdiff_t right, ptrdiff_t step, int channels,
                                 uint8_t* __restrict dst) {
-    for (int k = 0; k < channels; k++, s++) {
-        dst[k] = reduce5(s[-left], s[-near_left], s[0], s[channels], s[right]);
-    }
+    for (int k = 0; k < channels; k++, s++)
+        dst[k] = reduce5(s[-left], s[-near_left], s[0], s[step], s[right]);
 }
 
-// The first output of a row and those from `begin` on.
-template <int channels>
+// The first output of a row and those from `begin` on, for pixels `step` bytes apart.
 static inline void reduce_from(const uint8_t* __restrict src, int32_t src_width,
-                               uint8_t* __restrict dst, int32_t dst_width, int32_t begin) {
-    constexpr ptrdiff_t step = channels;
+                               uint8_t* __restrict dst, int32_t dst_width, int32_t begin,
+                               ptrdiff_t step, int channels) {
     const ptrdiff_t last = dst_width - 1;
-    reduce_pixel<channels>(src, 0, 0, 2 * step, dst);
+    reduce_pixel(src, 0, 0, 2 * step, step, channels, dst);
     for (ptrdiff_t i = begin; i < last; i++) {
-        reduce_pixel<channels>(src + 2 * i * step, 2 * step, step, 2 * step, dst + i * step);
+        reduce_pixel(src + 2 * i * step, 2 * step, step, 2 * step, step, channels, dst + i * step);
     }
     // At the far end the last sample is repeated where the source has no more to give.
-    const int right = 2 * (int64_t)dst_width == src_width ? step : 2 * step;
-    reduce_pixel<channels>(src + 2 * last * step, 2 * step, step, right, dst + last * step);
+    const ptrdiff_t right = 2 * (int64_t)dst_width == src_width ? step : 2 * step;
+    reduce_pixel(src + 2 * last * step, 2 * step, step, right, step, channels, dst + last * step);
 }
 
 void reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                     int32_t dst_width, int32_t begin) {
-    reduce_from<3>(src, src_width, dst, dst_width, begin);
+    reduce_from(src, src_width, dst, dst_width, begin, 3, 3);
 }
 
 void reduce_ends_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                     int32_t dst_width, int32_t begin) {
-    reduce_from<1>(src, src_width, dst, dst_width, begin);
+    reduce_from(src, src_width, dst, dst_width, begin, 1, 1);
 }
 
 static void reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
@@ -58,17 +46,33 @@ static void reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint
     reduce_ends_c1(src, src_width, dst, dst_width, 1);
 }
 
-static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width) {
-    for (ptrdiff_t i = 0; i < src_width; i++) {
-        const ptrdiff_t left = i > 0 ? 3 : 0, right = i < src_width - 1 ? 3 : 0;
+void reduce_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                      int32_t dst_width, int32_t step) {
+    reduce_from(src, src_width, dst, dst_width, 1, step, 3);
+}
+
+static inline void expand_pixels(const uint8_t* __restrict src, int32_t src_width,
+                                 uint8_t* __restrict dst, int32_t dst_width, ptrdiff_t step) {
+    const uint8_t* s = src;
+    uint8_t* out = dst;
+    for (ptrdiff_t i = 0; i < src_width; i++, s += step, out += 2 * step) {
+        const ptrdiff_t left = i > 0 ? step : 0, right = i < src_width - 1 ? step : 0;
         for (ptrdiff_t k = 0; k < 3; k++) {
-            const uint8_t* s = src + 3 * i + k;
-            dst[6 * i + k] = expand3(s[-left], s[0], s[right]);
-            dst[6 * i + 3 + k] = expand2(s[0], s[right]);
+            out[k] = expand3(s[k - left], s[k], s[k + right]);
+            out[step + k] = expand2(s[k], s[k + right]);
         }
     }
-    expand_surplus_c3(src, src_width, dst, dst_width);
+    if (dst_width > 2 * (int64_t)src_width) memcpy(out, s - step, 3);
+}
+
+static void expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                          int32_t dst_width) {
+    expand_pixels(src, src_width, dst, dst_width, 3);
+}
+
+void expand_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                      int32_t dst_width, int32_t step) {
+    expand_pixels(src, src_width, dst, dst_width, step);
 }
 
 static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes) {
@@ -127,9 +131,7 @@ static inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t
         for (size_t i = 3 * p; i < 3 * p + 3; i++) {
             const int32_t a = rows->src[i] - expanded_at(&rows->coarse_src, i, odd);
             const int32_t b = rows->under[i] - expanded_at(&rows->coarse_under, i, odd);
-            const int32_t sum =
-                expanded_at(&rows->coarse_result, i, odd) + ((m * a + (255 - m) * b + 128) >> 8);
-            dst[i] = (uint8_t)(sum < 0 ? 0 : (sum > 255 ? 255 : sum));
+            dst[i] = clamp_to_byte(expanded_at(&rows->coarse_result, i, odd) + blended(m, a, b));
         }
     }
 }

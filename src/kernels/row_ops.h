@@ -1,7 +1,7 @@
 // The arithmetic of the pyramids, one row at a time.
 //
 // Every kernel, whole-plane or band, is a walk over rows that calls these operations, so each
-// formula exists once for a plain path and once for a vector path. `active_rows` chooses between
+// formula exists once for a plain path and once for a vector path. `active_row_ops` chooses between
 // them.
 //
 // Rows are packed. Unless said otherwise, the operands of one call have equal lengths, outputs do
@@ -113,11 +113,14 @@ typedef struct row_ops {
 // Plain C++, the definition of every result.
 extern const row_ops plain_rows;
 
-// The fastest operations that this machine has.
-const row_ops* active_rows(void);
+// reduce_row_c3 and expand_row_c3 for rows whose pixels of three channels lie `step` bytes apart,
+// in both rows. What is between them is left alone.
+void reduce_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                      int32_t dst_width, int32_t step);
+void expand_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                      int32_t dst_width, int32_t step);
 
-// For tests and comparisons: makes active_rows return the plain operations, or undoes that. Not
-// while a blend is running.
-void force_plain_rows(bool force);
+// The fastest operations that this machine has.
+const row_ops* active_row_ops(void);
 
 #endif

@@ -1,7 +1,6 @@
 #include "kernels/whole_plane.h"
 
-#include "kernels/columns.h"
-#include "kernels/row_ops.h"
+#include "kernels/band_filters.h"
 #include "log.h"
 #include "memory.h"
 
@@ -16,19 +15,26 @@ static bool may_reduce(int64_t src_width, int64_t src_height, int64_t dst_width,
            dst_height != 1;
 }
 
-static void reduce_plane(const uint8_t* src, int32_t src_width, int32_t src_height, uint8_t* dst,
-                         int32_t dst_width, int32_t dst_height, int32_t channels,
-                         uint8_t* scratch) {
-    if (dst_width < 1 || dst_height < 1) return;
-    const row_ops* rows = active_rows();
-    const size_t src_bytes = (size_t)src_width * (size_t)channels;
-    const size_t row_bytes = (size_t)dst_width * (size_t)channels;
-    for (size_t y = 0; y < (size_t)src_height; y++) {
-        (channels == 3 ? rows->reduce_row_c3 : rows->reduce_row_c1)(
-            src + y * src_bytes, src_width, scratch + y * row_bytes, dst_width);
-    }
-    const bool folds = (int64_t)dst_height * 2 == src_height;
-    reduce_columns(scratch, row_bytes, dst, dst_height, ENDS_TOP | (folds ? ENDS_BOTTOM : 0));
+// A band that is the whole plane, from the first row of both levels on.
+static band_task whole_band(const uint8_t* src, int32_t src_width, int32_t src_height, uint8_t* dst,
+                            int32_t dst_width, int32_t dst_height, const pixel_layout* layout) {
+    band_task task = band_task();
+    task.src = src;
+    task.src_width = src_width;
+    task.src_height = task.src_rows = src_height;
+    task.dst = dst;
+    task.dst_width = dst_width;
+    task.dst_height = task.dst_rows = dst_height;
+    task.src_geom = task.dst_geom = layout;
+    return task;
+}
+
+static const pixel_layout layout_c1 = {0, 1}, layout_c3 = {0, 3};
+
+static void reduce_plane(band_task* task, uint8_t* scratch) {
+    if (task->dst_width < 1 || task->dst_height < 1) return;
+    task->scratch = scratch;
+    reduce_band(task, task->src_geom->step, ENDS_TOP | ENDS_BOTTOM);
 }
 
 int32_t ImageDown_ByteNC(const uint8_t* src, int32_t src_width, int32_t src_height, uint8_t* dst,
@@ -48,7 +54,9 @@ int32_t ImageDown_ByteNC(const uint8_t* src, int32_t src_width, int32_t src_heig
                  "dst_width/dst_height: %d/%d",
                  "ImageDown_ByteNC", src_width, src_height, dst_width, dst_height);
     } else {
-        reduce_plane(src, src_width, src_height, dst, dst_width, dst_height, 1, scratch);
+        band_task task =
+            whole_band(src, src_width, src_height, dst, dst_width, dst_height, &layout_c1);
+        reduce_plane(&task, scratch);
         status = 0;
     }
     free(scratch);
@@ -56,16 +64,15 @@ int32_t ImageDown_ByteNC(const uint8_t* src, int32_t src_width, int32_t src_heig
 }
 
 // Null planes and broken size rules of the three-channel routines.
-static bool check_c3(const uint8_t* src, int32_t src_width, int32_t src_height, const uint8_t* dst,
-                     int32_t dst_width, int32_t dst_height, bool size_rule) {
-    if (src == NULL || dst == NULL) {
+static bool check_c3(const band_task* task, bool size_rule) {
+    if (task->src == NULL || task->dst == NULL) {
         LOG_LINE(LOG_ERROR, "Input pointer is NULL.");
         return false;
     }
     if (!size_rule) {
         LOG_LINE(LOG_ERROR,
                  "Input size parameters: src_width/src_height: %d/%d  dst_width/dst_height: %d/%d",
-                 src_width, src_height, dst_width, dst_height);
+                 task->src_width, task->src_height, task->dst_width, task->dst_height);
     }
     return size_rule;
 }
@@ -81,34 +88,25 @@ static uint8_t* alloc_c3_scratch(int32_t dst_width, int32_t src_height, int prio
 
 int32_t ImageDown_ByteC3(const uint8_t* src, int32_t src_width, int32_t src_height, uint8_t* dst,
                          int32_t dst_width, int32_t dst_height) {
-    if (!check_c3(src, src_width, src_height, dst, dst_width, dst_height,
-                  may_reduce(src_width, src_height, dst_width, dst_height))) {
-        return -1;
-    }
+    band_task task = whole_band(src, src_width, src_height, dst, dst_width, dst_height, &layout_c3);
+    if (!check_c3(&task, may_reduce(src_width, src_height, dst_width, dst_height))) return -1;
     uint8_t* scratch = alloc_c3_scratch(dst_width, src_height, LOG_DEBUG);
     if (scratch == NULL) return -1;
-    reduce_plane(src, src_width, src_height, dst, dst_width, dst_height, 3, scratch);
+    reduce_plane(&task, scratch);
     free(scratch);
     return 0;
 }
 
 int32_t ImageUp_ByteC3(const uint8_t* src, int32_t src_width, int32_t src_height, uint8_t* dst,
                        int32_t dst_width, int32_t dst_height) {
+    band_task task = whole_band(src, src_width, src_height, dst, dst_width, dst_height, &layout_c3);
     const bool size_rule = 2 * (int64_t)src_width <= dst_width &&
                            2 * (int64_t)src_height <= dst_height && src_width != 1 &&
                            src_height != 1;
-    if (!check_c3(src, src_width, src_height, dst, dst_width, dst_height, size_rule)) return -1;
-    uint8_t* scratch = alloc_c3_scratch(dst_width, src_height, LOG_ERROR);
-    if (scratch == NULL) return -1;
-    if (src_width > 0 && src_height > 0) {
-        const size_t row_bytes = 3 * (size_t)dst_width;
-        for (size_t y = 0; y < (size_t)src_height; y++) {
-            active_rows()->expand_row_c3(src + y * 3 * (size_t)src_width, src_width,
-                                         scratch + y * row_bytes, dst_width);
-        }
-        expand_columns(scratch, row_bytes, src_height, dst, ENDS_TOP | ENDS_BOTTOM,
-                       dst_height != 2 * (int64_t)src_height);
-    }
-    free(scratch);
+    if (!check_c3(&task, size_rule)) return -1;
+    task.scratch = alloc_c3_scratch(dst_width, src_height, LOG_ERROR);
+    if (task.scratch == NULL) return -1;
+    if (src_width > 0 && src_height > 0) expand_band(&task, ENDS_TOP | ENDS_BOTTOM);
+    free(task.scratch);
     return 0;
 }

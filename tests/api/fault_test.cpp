@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <string>
 
-#include "blend/pyramid_blend.h"
 #include "pool/faults.h"
 #include "support/compare.h"
+#include "support/engine_choices.h"
 #include "support/scene.h"
 
 namespace {
@@ -32,8 +32,8 @@ scene small_scene(float zoom, float angle) {
 
 // While it lives, blends of every size use threads.
 struct threads_for_all {
-    threads_for_all() { use_pool_from(0); }
-    ~threads_for_all() { use_pool_from(-1); }
+    threads_for_all() { support::use_threads_from(0); }
+    ~threads_for_all() { support::use_threads_from(-1); }
 };
 
 // A failed call's lines are the first ones of the good call and at most one more, which says that

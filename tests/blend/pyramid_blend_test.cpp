@@ -7,9 +7,9 @@
 #include <algorithm>
 
 #include "kernels/naive.h"
-#include "kernels/row_ops.h"
 #include "model/pyramid.h"
 #include "pool/faults.h"
+#include "support/engine_choices.h"
 #include "support/guarded_bytes.h"
 #include "support/log_capture.h"
 
@@ -52,10 +52,14 @@ int32_t check_blend(const pictures& p, int32_t levels) {
     int32_t status = -1;
     if (ws != nullptr) {
         // Planes that a pyramid reads before it has written them would show.
-        const size_t last = size_t{ws->level_width[levels]} * ws->level_height[levels];
-        std::fill(ws->down_plane, ws->mask_levels[levels] + last, uint8_t{0x9D});
-        status = pyramid_blend(src.data(), dst.data(), mask.data(), result.data(), nullptr,
-                               p.src.size(), ws);
+        if (levels > 0) {
+            const size_t last = size_t{ws->level_width[levels]} * ws->level_height[levels];
+            std::fill(ws->down_plane, ws->mask_levels[levels] + last, uint8_t{0x9D});
+        }
+        const patch from = packed_patch(src.data(), p.width, p.height);
+        const patch onto = packed_patch(dst.data(), p.width, p.height);
+        const patch made = packed_patch(result.data(), p.width, p.height);
+        status = pyramid_blend(&from, &onto, mask.data(), &made, ws, nullptr);
         free_blend_workspace(ws);
     }
     EXPECT_EQ(faults::live_blocks(), blocks);
@@ -67,35 +71,35 @@ int32_t check_blend(const pictures& p, int32_t levels) {
 
 TEST(PyramidBlend, ManySizesDepthsAndThreads) {
     support::clear_log();
-    const int32_t widths[] = {2, 3, 4, 5, 9, 16, 23, 38, 67};
-    const int32_t heights[] = {2,  3,  4,  5,  7,  8,  11, 15, 16, 17, 18, 19, 22,
+    const int32_t widths[] = {1, 2, 3, 4, 5, 9, 16, 23, 38, 67};
+    const int32_t heights[] = {1,  2,  3,  4,  5,  7,  8,  11, 15, 16, 17, 18, 19, 22,
                                23, 27, 31, 32, 33, 35, 40, 47, 62, 65, 71, 95, 130};
     for (const int32_t width : widths) {
         for (const int32_t height : heights) {
             const int kind = (width + height) % 3 == 0 ? 5 : 4;
-            for (int32_t levels = 1; levels <= 4; ++levels) {
+            for (int32_t levels = 0; levels <= 4; ++levels) {
                 // The vector rows and the plain ones, and sometimes threads.
-                force_plain_rows((height + levels) % 3 == 0);
-                use_pool_from((width + levels) % 4 == 0 ? 0 : -1);
+                support::force_plain_rows((height + levels) % 3 == 0);
+                support::use_threads_from((width + levels) % 4 == 0 ? 0 : -1);
                 ASSERT_EQ(check_blend(make_pictures(width, height, kind), levels), 0);
                 ASSERT_FALSE(HasFailure());
             }
         }
     }
-    force_plain_rows(false);
+    support::force_plain_rows(false);
     for (int kind = 0; kind < 4; ++kind)
         EXPECT_EQ(check_blend(make_pictures(53, 77, kind), 4), 0);
-    use_pool_from(500000);
+    support::use_threads_from(500000);
     const faults::scope threads(faults::call::thread_create, faults::those_of(0));
     for (const auto& [width, height] :
          {std::pair(1400, 119), std::pair(9000, 19), std::pair(11, 15000), std::pair(741, 733)})
         EXPECT_EQ(check_blend(make_pictures(width, height, 4), 3), 0);
     EXPECT_EQ(threads.calls(), 4);  // for the last of them; smaller ones ask for none
-    use_pool_from(-1);
+    support::use_threads_from(-1);
     EXPECT_TRUE(support::take_log().empty());
 }
 
-// Each allocation in turn fails, or all from it on. Both levels in bands and whole ones are built.
+// Each allocation in turn fails, or all from it on.
 TEST(PyramidBlend, FailsWithoutMemory) {
     const pictures p = make_pictures(70, 41, 4);
     for (const bool once : {true, false}) {

@@ -8,9 +8,8 @@
 #include <fstream>
 #include <string>
 
-#include "blend/pyramid_blend.h"
-#include "kernels/row_ops.h"
 #include "pool/faults.h"
+#include "support/engine_choices.h"
 
 namespace {
 
@@ -19,7 +18,7 @@ using faults::call;
 // Compares one call with its line, for every number of workers with plain and with vector rows.
 void check_call(const hashes::whole_call& made, const std::string& line) {
     for (const bool plain : {false, true}) {
-        force_plain_rows(plain);
+        support::force_plain_rows(plain);
         for (int workers = 0; workers <= 4; ++workers) {
             const faults::scope fault(call::thread_create, faults::those_of(15U >> workers));
             testing::internal::CaptureStdout();
@@ -31,20 +30,20 @@ void check_call(const hashes::whole_call& made, const std::string& line) {
             EXPECT_TRUE(fault.calls() == 4 || (fault.calls() == 0 && !is_large)) << line;
         }
     }
-    force_plain_rows(false);
+    support::force_plain_rows(false);
 }
 
 TEST(WholeCalls, HaveTheHashesOfTheTable) {
     std::ifstream table(IMAGEBLEND_WHOLE_CALLS);
     ASSERT_TRUE(table) << "cannot read " << IMAGEBLEND_WHOLE_CALLS;
     const size_t count = std::min<size_t>(support::seeds(hashes::CALLS).size(), hashes::CALLS);
-    use_pool_from(0);  // threads for blends of every size
+    support::use_threads_from(0);  // threads for blends of every size
     for (uint64_t seed = 1; seed <= count && !HasFailure(); ++seed) {
         std::string line;
         ASSERT_TRUE(std::getline(table, line)) << "no line for seed " << seed;
         check_call(hashes::make_call(seed), line);
     }
-    use_pool_from(-1);
+    support::use_threads_from(-1);
 }
 
 }  // namespace

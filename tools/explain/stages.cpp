@@ -15,9 +15,6 @@
 namespace tool {
 namespace {
 
-constexpr pixel_layout layout_c3 = {0, 3};
-constexpr pixel_layout layout_frame = {0, 4};
-
 [[noreturn]] void fail(const std::string& what) {
     throw Error(Exit::internal, "explain: " + what);
 }
@@ -37,6 +34,11 @@ Plane plane_of(const blend_image& image, int channels) {
     Plane plane = make_plane(image.width, image.height, channels);
     std::copy_n(image.data, plane.bytes.size(), plane.bytes.begin());
     return plane;
+}
+
+// Of pixels that are only read where the plane is constant.
+blend_image record_of(const Plane& plane) {
+    return {plane.width, plane.height, const_cast<uint8_t*>(plane.bytes.data())};
 }
 
 // The object in its mask and what the blend does with it.
@@ -76,8 +78,9 @@ Rectangle object_box(const mask_box& box) {
 
 Plane cut_colours(const Plane& frame, const Rectangle& box) {
     Plane patch = make_plane(box.width, box.height, 3);
-    crop_to_rgb(frame.bytes.data(), frame.width, patch.bytes.data(), box.left, box.top, box.width,
-                box.height, &layout_frame, &layout_c3, frame.height);
+    const blend_image from = record_of(frame);
+    const pixel_box part = {box.left, box.top, box.width, box.height};
+    crop_to_rgb(&from, &part, patch.bytes.data());
     return patch;
 }
 
@@ -128,11 +131,11 @@ Plane expand(const Plane& coarse, const Plane& size) {
 std::vector<int16_t> laplacian(const Plane& level, const Plane* coarser) {
     std::vector<int16_t> values(level.bytes.size());
     if (!coarser) {
-        active_rows()->widen(level.bytes.data(), values.data(), values.size());
+        active_row_ops()->widen(level.bytes.data(), values.data(), values.size());
     } else {
         const Plane expanded = expand(*coarser, level);
-        active_rows()->subtract(level.bytes.data(), expanded.bytes.data(), values.data(),
-                                values.size());
+        active_row_ops()->subtract(level.bytes.data(), expanded.bytes.data(), values.data(),
+                                   values.size());
     }
     return values;
 }
@@ -150,7 +153,7 @@ void build_pyramids(std::vector<Level>& levels, int depth) {
 }
 
 void collapse(std::vector<Level>& levels) {
-    const row_ops* const rows = active_rows();
+    const row_ops* const rows = active_row_ops();
     for (size_t l = levels.size(); l-- > 0;) {
         Level& level = levels[l];
         const Level* const coarser = l + 1 < levels.size() ? &levels[l + 1] : nullptr;
@@ -175,8 +178,9 @@ void collapse(std::vector<Level>& levels) {
 
 Plane stamp(const BlendCall& call, const Rectangle& place, const Plane& patch) {
     Plane frame = plane_of(call.destination, 4);
-    write_region_argb(frame.bytes.data(), frame.width, patch.bytes.data(), place.left, place.top,
-                      place.width, place.height, frame.height);
+    const blend_image to = record_of(frame);
+    const pixel_box box = {place.left, place.top, place.width, place.height};
+    write_region_argb(&to, &box, patch.bytes.data());
     return frame;
 }
 

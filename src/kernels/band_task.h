@@ -1,6 +1,6 @@
 // The argument record of every kernel that works on one horizontal band of one pyramid level.
-#ifndef IMAGEBLEND_BLEND_BAND_TASK_H
-#define IMAGEBLEND_BLEND_BAND_TASK_H
+#ifndef IMAGEBLEND_KERNELS_BAND_TASK_H
+#define IMAGEBLEND_KERNELS_BAND_TASK_H
 
 #include "pixel_layout.h"
 #include "pool/thread_pool.h"

@@ -1,0 +1,8 @@
+#include "blend/threading.h"
+
+#include "costs.h"
+#include "kernels/row_ops.h"
+
+int64_t least_threaded_pixels(void) {
+    return active_row_ops()->pixels_a_ms * THREADED_MS;
+}
