@@ -164,8 +164,8 @@ static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scrat
     const int32_t width = bundle->fine->width;
     for (size_t i = 0; i < 3; i++) {
         active_row_ops()->expand_row_c3(read_rows(pictures[i], row, 1, coarse->width, NULL),
-                                     coarse->width, ring_row(scratch, i, row, 3 * (size_t)width),
-                                     width);
+                                        coarse->width, ring_row(scratch, i, row, 3 * (size_t)width),
+                                        width);
     }
 }
 
@@ -227,7 +227,7 @@ void* band_bundle_collapse(void* arg) {
 void merge_top_rows(const pyramid_level* top, int32_t begin, int32_t end, uint8_t* scratch) {
     const int32_t width = top->width, at_once = top_rows_at_once(width);
     const top_scratch parts = split_for_top(scratch, width);
-    memset(parts.zeros, 0, top_run_bytes(width));
+    memset(parts.zeros, 0, 3 * (size_t)width * (size_t)min_i64(at_once, (int64_t)end - begin));
     const coarse_rows nothing = {parts.zeros, parts.zeros, parts.zeros};
     for (int32_t row = begin; row < end; row += at_once) {
         const int32_t rows = (int32_t)min_i64(at_once, (int64_t)end - row);

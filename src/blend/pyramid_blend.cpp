@@ -54,7 +54,7 @@ static void place_levels(const blend_workspace* ws, pyramid* p) {
     }
 }
 
-// Without a pool the bands run one after the other and share one scratch.
+// The caller alone needs one scratch.
 static bool alloc_band_scratch(pyramid* p) {
     const size_t bytes = band_scratch_bytes(p->levels[0].width);
     const int64_t count = p->pool != NULL ? BAND_COUNT : 1;
@@ -70,23 +70,15 @@ static int32_t band_start(int32_t rows, int32_t k) {
     return k < BAND_COUNT ? k * (rows / BAND_COUNT) : rows;
 }
 
-// Runs a task for each of four arguments that lie `arg_bytes` apart, in the caller without a pool,
-// and returns when all are done.
-static void run_stage(pyramid* p, thread_pool* pool, void* (*routine)(void*), void* args,
-                      size_t arg_bytes) {
-    if (pool != NULL) pool_reset_done(pool);
-    for (size_t k = 0; k < BAND_COUNT; k++) {
-        void* arg = (uint8_t*)args + k * arg_bytes;
-        if (pool != NULL) {
-            pool_add_task(pool, routine, arg);
-        } else {
-            routine(arg);
-        }
-    }
-    if (pool == NULL) return;
+// Runs a task for each of four arguments that lie `arg_bytes` apart on the pool's threads and
+// returns when all are done.
+static void run_bands(pyramid* p, void* (*routine)(void*), void* args, size_t arg_bytes) {
+    pool_reset_done(p->pool);
+    for (size_t k = 0; k < BAND_COUNT; k++)
+        pool_add_task(p->pool, routine, (uint8_t*)args + k * arg_bytes);
     share_work(p->beside);
-    pool_help(pool);
-    pool_wait_done(pool, BAND_COUNT);
+    pool_help(p->pool);
+    pool_wait_done(p->pool, BAND_COUNT);
 }
 
 // A band of work on rows, as one pool task.
@@ -107,30 +99,39 @@ static void* run_row_band(void* arg) {
     return NULL;
 }
 
-static void run_rows(pyramid* p, const row_work* work, thread_pool* pool) {
+static void run_rows(pyramid* p, const row_work* work) {
     row_band bands[BAND_COUNT];
     for (int32_t k = 0; k < BAND_COUNT; k++)
-        bands[k] = {work, k, pool, p->beside};
-    run_stage(p, pool, run_row_band, bands, sizeof bands[0]);
+        bands[k] = {work, k, p->pool, p->beside};
+    run_bands(p, run_row_band, bands, sizeof bands[0]);
 }
 
-// Where a stage of the level runs: in the caller, null, if its work is less than that of waking
-// threads and waiting for them. The finest level has all other work beside or before it.
-static thread_pool* stage_pool(const pyramid* p, int32_t level) {
+// Whether a stage of the level is worth waking threads and waiting for them; the caller does it
+// whole otherwise. The finest level has all other work beside or before it.
+static bool uses_threads(const pyramid* p, int32_t level) {
     const int64_t pixels = (int64_t)p->levels[level].width * p->levels[level].height;
-    return level == 0 || pixels >= p->least_stage_pixels ? p->pool : NULL;
+    return p->pool != NULL && (level == 0 || pixels >= p->least_stage_pixels);
 }
 
 // A step between `level` and the next coarser one.
 static void run_step(pyramid* p, int32_t level, void* (*routine)(void*)) {
-    const int32_t rows = p->levels[level + 1].height;
+    const pyramid_level *fine = &p->levels[level], *coarse = &p->levels[level + 1];
+    if (!uses_threads(p, level)) {
+        band_bundle whole = {fine, coarse, 0, coarse->height, p->band_scratch[0], p->beside, NULL};
+        routine(&whole);
+        return;
+    }
     band_bundle bundles[BAND_COUNT];
     for (int32_t k = 0; k < BAND_COUNT; k++) {
-        bundles[k] = {&p->levels[level],       &p->levels[level + 1], band_start(rows, k),
-                      band_start(rows, k + 1), p->band_scratch[k],    p->beside,
-                      stage_pool(p, level)};
+        bundles[k] = {fine,
+                      coarse,
+                      band_start(coarse->height, k),
+                      band_start(coarse->height, k + 1),
+                      p->band_scratch[k],
+                      p->beside,
+                      p->pool};
     }
-    run_stage(p, bundles[0].pool, routine, bundles, sizeof bundles[0]);
+    run_bands(p, routine, bundles, sizeof bundles[0]);
 }
 
 static void merge_top_band(void* arg, int32_t band, int32_t begin, int32_t end) {
@@ -140,14 +141,19 @@ static void merge_top_band(void* arg, int32_t band, int32_t begin, int32_t end) 
 
 static void run_stages(pyramid* p, const blend_extras* extras) {
     for (const row_work* work : extras->prepare) {
-        if (work != NULL) run_rows(p, work, p->pool);
+        if (work != NULL && p->pool != NULL) run_rows(p, work);
+        if (p->pool == NULL) do_rows(work);
     }
     // With a single level the first stage writes the result already.
     if (p->top == 0) share_work(p->beside);
     for (int32_t l = 0; l < p->top; l++)
         run_step(p, l, band_bundle_down);
     const row_work top = {merge_top_band, p, p->levels[p->top].height, 0};
-    run_rows(p, &top, stage_pool(p, p->top));
+    if (uses_threads(p, p->top)) {
+        run_rows(p, &top);
+    } else {
+        do_rows(&top);
+    }
     for (int32_t l = p->top - 1; l >= 0; l--)
         run_step(p, l, band_bundle_collapse);
 }
@@ -156,13 +162,16 @@ int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, c
                       blend_workspace* ws, const blend_extras* extras) {
     static const blend_extras none = {{NULL, NULL}, NULL};
     if (extras == NULL) extras = &none;
-    pyramid p = pyramid();
+    pyramid p;
     place_levels(ws, &p);
     p.levels[0].src = *src;
     p.levels[0].dst = *dst;
     p.levels[0].result = *result;
     p.levels[0].mask = (uint8_t*)(uintptr_t)mask;  // only read
     p.beside = extras->beside;
+    p.pool = NULL;
+    p.least_stage_pixels = 0;
+    p.band_scratch[0] = NULL;
     const int64_t threaded_pixels = least_threaded_pixels();
     if (work_pixels(ws, extras) >= threaded_pixels) {
         thread_pool* pool = NULL;
