@@ -16,9 +16,8 @@ enum { PIXELS = 1024, BYTES = 3 * PIXELS };
 
 struct row_buffers {
     std::vector<uint8_t> in[5], mask, out;
-    std::vector<int16_t> lap[2], lap_out;
 
-    row_buffers() : mask(PIXELS), out(BYTES), lap_out(BYTES) {
+    row_buffers() : mask(PIXELS), out(BYTES) {
         uint32_t state = 1;
         const auto next = [&] { return (state = state * 1664525u + 1013904223u) >> 24; };
         const auto byte = [&] { return static_cast<uint8_t>(next()); };
@@ -26,12 +25,16 @@ struct row_buffers {
             for (int i = 0; i < BYTES; i++)
                 row.push_back(byte());
         }
-        for (auto& row : lap) {
-            for (int i = 0; i < BYTES; i++)
-                row.push_back(static_cast<int16_t>(byte() - byte()));
-        }
         for (auto& m : mask)
             m = byte();
+    }
+
+    // A mask of noise: both pictures count everywhere.
+    merge_rows merge() const {
+        const auto around = [&](size_t k) {
+            return coarse_rows{in[k].data(), in[(k + 1) % 5].data(), in[(k + 2) % 5].data()};
+        };
+        return {mask.data(), in[0].data(), in[1].data(), around(2), around(3), around(4)};
     }
 };
 
@@ -60,32 +63,28 @@ const row_case row_cases[] = {
                                          b.in[3].data(), b.in[4].data()};
          ops.reduce_column(taps, b.out.data(), BYTES);
      }},
-    {"expand_even", 4 * BYTES,
+    {"merge_even", PIXELS + 12 * BYTES,
      [](const row_ops& ops, row_buffers& b) {
-         ops.expand_even(b.in[0].data(), b.in[1].data(), b.in[2].data(), b.out.data(), BYTES);
+         const merge_rows rows = b.merge();
+         ops.merge_even(&rows, b.out.data(), PIXELS);
      }},
-    {"expand_odd", 3 * BYTES,
+    {"merge_odd", PIXELS + 9 * BYTES,
      [](const row_ops& ops, row_buffers& b) {
-         ops.expand_odd(b.in[0].data(), b.in[1].data(), b.out.data(), BYTES);
+         const merge_rows rows = b.merge();
+         ops.merge_odd(&rows, b.out.data(), PIXELS);
      }},
-    {"subtract", 4 * BYTES,
+    {"mix_rows", 3 * BYTES,
      [](const row_ops& ops, row_buffers& b) {
-         ops.subtract(b.in[0].data(), b.in[1].data(), b.lap_out.data(), BYTES);
+         ops.mix_rows(b.in[0].data(), b.in[1].data(), 77, b.out.data(), BYTES);
      }},
-    {"widen", 3 * BYTES,
+    {"pack_rgb", BYTES / 4 * 4 + BYTES / 4 * 3,
      [](const row_ops& ops, row_buffers& b) {
-         ops.widen(b.in[0].data(), b.lap_out.data(), BYTES);
+         ops.pack_rgb(b.in[0].data(), b.out.data(), BYTES / 4);
      }},
-    {"blend", PIXELS + 6 * BYTES,
+    {"unpack_rgb", BYTES / 4 * 4 + BYTES / 4 * 3,
      [](const row_ops& ops, row_buffers& b) {
-         ops.blend(b.mask.data(), b.lap[0].data(), b.lap[1].data(), b.lap_out.data(), PIXELS);
+         ops.unpack_rgb(b.in[0].data(), b.out.data(), BYTES / 4);
      }},
-    {"collapse", 4 * BYTES,
-     [](const row_ops& ops, row_buffers& b) {
-         ops.collapse(b.lap[0].data(), b.in[0].data(), b.out.data(), BYTES);
-     }},
-    {"narrow", 3 * BYTES,
-     [](const row_ops& ops, row_buffers& b) { ops.narrow(b.lap[0].data(), b.out.data(), BYTES); }},
 };
 
 void time_row(benchmark::State& state, const row_case& row, const row_ops& ops) {

@@ -103,7 +103,26 @@ static column_span within(const source_row* row, column_span span, int32_t low, 
     return part;
 }
 
-enum { CHUNK = 256 };
+enum { CHUNK = 256, BLOCK = 8 };
+
+// The sources along one axis of `count` pixels of a row. What is not a number reads as 0, and
+// nothing inside the frame is out of the type's range.
+static void find_sources(const source_row* row, int32_t x, int32_t count, int32_t* sources) {
+    const float base = row->base, slope = row->slope, center = row->center;
+    if (base != base) {
+        memset(sources, 0, sizeof(int32_t) * (size_t)count);
+        return;
+    }
+    int32_t i = 0;
+    for (; i + BLOCK <= count; i += BLOCK) {
+        int32_t block[BLOCK];  // vectors take loops of a fixed length
+        for (int32_t k = 0; k < BLOCK; k++)
+            block[k] = (int32_t)(base + slope * ((float)(x + i + k) - center));
+        memcpy(sources + i, block, sizeof block);
+    }
+    for (; i < count; i++)
+        sources[i] = (int32_t)(base + slope * ((float)(x + i) - center));
+}
 
 // Calls pixel(x, source x, source y) for a span of a row, all of whose sources lie inside the
 // frame.
@@ -113,17 +132,8 @@ static inline void map_span(const source_row* columns, const source_row* rows, c
     int32_t sx[CHUNK], sy[CHUNK];
     for (int32_t x = span.begin; x < span.end; x += CHUNK) {
         const int32_t count = (int32_t)min_i64(CHUNK, span.end - x);
-        // What is not a number reads as 0, and nothing inside the frame is out of the type's range.
-        if (columns->base != columns->base) {
-            memset(sx, 0, sizeof sx);
-            memset(sy, 0, sizeof sy);
-        } else {
-            for (int32_t i = 0; i < count; i++) {
-                const float dx = (float)(x + i) - columns->center;
-                sx[i] = (int32_t)(columns->base + columns->slope * dx);
-                sy[i] = (int32_t)(rows->base + rows->slope * dx);
-            }
-        }
+        find_sources(columns, x, count, sx);
+        find_sources(rows, x, count, sy);
         for (int32_t i = 0; i < count; i++)
             pixel(x + i, sx[i], sy[i]);
     }

@@ -1,4 +1,4 @@
-// Whole-plane element conversions of the pyramid driver.
+// A level of 16 bits as bytes: what the coarsest merge of a blend does in passing.
 #ifndef IMAGEBLEND_BLEND_ROW_CONVERSION_H
 #define IMAGEBLEND_BLEND_ROW_CONVERSION_H
 

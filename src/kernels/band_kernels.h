@@ -1,4 +1,5 @@
-// The element-wise arithmetic of the Laplacian pyramids, one band at a time.
+// The element-wise arithmetic of the Laplacian pyramids, one band at a time: the steps that the way
+// up of a blend takes in one (merge_even and merge_odd of row_ops.h), for who wants to see them.
 //
 // A band is `src_rows` rows of `src_width` pixels with three interleaved channels and no gaps;
 // 16-bit planes hold signed values. Below, i is an element and p a pixel of the band. Nothing
@@ -10,7 +11,6 @@
 #define IMAGEBLEND_KERNELS_BAND_KERNELS_H
 
 #include "kernels/band_task.h"
-#include "kernels/row_ops.h"
 
 // dst_lap[i] = src[i] - src2[i], in -255..255: the level minus the expanded coarser level.
 int32_t ImageLaplace_Byte3C(const band_task* task);
@@ -22,8 +22,8 @@ int32_t ImageWiden_Byte3C(const band_task* task);
 // collapse.
 int32_t ImageCollapse_Short3C(const band_task* task);
 
-// For each channel of pixel p, with m = src[p] and lap, lap2 in -255..255:
-//   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down
+// For each channel of pixel p, with m = src[p]:
+//   dst_lap = (m lap + (255 - m) lap2 + 128) >> 8, rounding down, in 32 bits and cut to 16
 // The weights sum to 255 under a divisor of 256, so a full mask shrinks a value slightly; this is
 // part of the design. dst_lap may be lap2. The steps of src_geom (lap), src2_geom (lap2), mask_geom
 // and dst_geom are honoured. A pool task: takes a band_task and ends with pool_signal_done, also

@@ -1,5 +1,6 @@
 #include <string.h>
 
+#include "costs.h"
 #include "kernels/row_math.h"
 #include "kernels/vector_rows.h"
 
@@ -81,45 +82,6 @@ static void reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst,
     }
 }
 
-static void expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c,
-                        uint8_t* __restrict dst, size_t bytes) {
-    for (size_t i = 0; i < bytes; i++)
-        dst[i] = expand3(a[i], b[i], c[i]);
-}
-
-static void expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes) {
-    for (size_t i = 0; i < bytes; i++)
-        dst[i] = expand2(b[i], c[i]);
-}
-
-static void subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
-    for (size_t i = 0; i < count; i++)
-        dst[i] = (int16_t)(a[i] - b[i]);
-}
-
-static void widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
-    for (size_t i = 0; i < count; i++)
-        dst[i] = src[i];
-}
-
-static void blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                  size_t pixels) {
-    for (size_t p = 0; p < pixels; p++) {
-        const int32_t m = mask[p];
-        for (size_t i = 3 * p; i < 3 * p + 3; i++) {
-            dst[i] = (int16_t)((m * a[i] + (255 - m) * b[i] + 128) >> 8);
-        }
-    }
-}
-
-static void collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
-                     size_t count) {
-    for (size_t i = 0; i < count; i++) {
-        const int16_t sum = (int16_t)(uint16_t)(lap[i] + base[i]);
-        dst[i] = (uint8_t)(sum < 0 ? 0 : (sum > 255 ? 255 : sum));
-    }
-}
-
 static inline int32_t expanded_at(const coarse_rows* rows, size_t i, bool odd) {
     return odd ? expand2(rows->centre[i], rows->below[i])
                : expand3(rows->above[i], rows->centre[i], rows->below[i]);
@@ -142,11 +104,6 @@ static void merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t p
 
 static void merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     merge(rows, dst, pixels, true);
-}
-
-static void narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
-    for (size_t i = 0; i < count; i++)
-        dst[i] = (uint8_t)src[i];
 }
 
 static inline uint8_t interpolate(int s0, int s1, int weight) {
@@ -182,7 +139,6 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",    50000,    reduce_row_c3,   reduce_row_c1, expand_row_c3, reduce_column, expand_even,
-    expand_odd, subtract, widen,           blend,         collapse,      merge_even,    merge_odd,
-    narrow,     mix_rows, resample_row_c3, pack_rgb,      unpack_rgb,
+    "plain",    PLAIN_PIXELS_A_MS, reduce_row_c3, reduce_row_c1,   expand_row_c3, reduce_column,
+    merge_even, merge_odd,         mix_rows,      resample_row_c3, pack_rgb,      unpack_rgb,
 };

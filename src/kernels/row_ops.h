@@ -1,8 +1,8 @@
 // The arithmetic of the pyramids, one row at a time.
 //
 // Every kernel, whole-plane or band, is a walk over rows that calls these operations, so each
-// formula exists once for a plain path and once for a vector path. `active_row_ops` chooses between
-// them.
+// formula exists once for a plain path (row_math.h) and once for each kind of vectors.
+// `active_row_ops` chooses between them.
 //
 // Rows are packed. Unless said otherwise, the operands of one call have equal lengths, outputs do
 // not overlap inputs, and nothing outside the given lengths is read or written.
@@ -59,42 +59,20 @@ typedef struct row_ops {
     void (*expand_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width);
 
-    // The same filters down the columns; `taps` are the source rows in order, rows may repeat.
-    //   reduce_column: dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
-    //   expand_even:   dst = (a + 6 b + c + 4) >> 3
-    //   expand_odd:    dst = (4 b + 4 c + 4) >> 3
+    // The same filter down the columns; `taps` are the source rows in order, rows may repeat.
+    //   dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
     void (*reduce_column)(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
-    void (*expand_even)(const uint8_t* a, const uint8_t* b, const uint8_t* c,
-                        uint8_t* __restrict dst, size_t bytes);
-    void (*expand_odd)(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes);
 
-    // dst = a - b, in -255..255.
-    void (*subtract)(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count);
-
-    // dst = src, in 0..255.
-    void (*widen)(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count);
-
-    // dst = (m a + (255 - m) b + 128) >> 8 for each of the three channels of a pixel, a and b in
-    // -255..255, the shift rounding down. Weights sum to 255, not 256: a full mask shrinks a value
-    // of 255 to 254. `dst` may be `a` or `b`.
-    void (*blend)(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                  size_t pixels);
-
-    // dst = min(max(lap + base, 0), 255), the sum wrapping at 16 bits.
-    void (*collapse)(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst,
-                     size_t count);
-
-    // Expand three times down the columns, subtract twice, blend and collapse in one: a row of one
-    // level of the blended pyramid, made from the level's pictures and from the coarser levels of
-    // both and of the result.
-    //   e_x = expand_even(x.above, x.centre, x.below) or expand_odd(x.centre, x.below)
+    // One row of one level of the blended pyramid, made from the level's pictures and from the
+    // coarser levels of both and of the result: three expansions down the columns, two differences,
+    // their blend under the mask and its sum with the result.
+    //   e_x = (x.above + 6 x.centre + x.below + 4) >> 3         for an even row
+    //   e_x = (4 x.centre + 4 x.below + 4) >> 3                 for an odd row
     //   dst = min(max(e_result + ((m (src - e_src) + (255 - m) (under - e_under) + 128) >> 8), 0),
-    //             255)
+    //             255), the shift rounding down
+    // Weights sum to 255, not 256: a full mask shrinks a difference of 255 to 254.
     void (*merge_even)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
     void (*merge_odd)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
-
-    // dst = the low 8 bits of src.
-    void (*narrow)(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
 
     // Linear interpolation, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
     //   mix_rows: between two rows
@@ -120,7 +98,11 @@ void reduce_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t*
 void expand_row_apart(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                       int32_t dst_width, int32_t step);
 
-// The fastest operations that this machine has.
+// The vector operations that this machine can run, the fastest first: null behind the last. Each
+// architecture's folder has its own.
+const row_ops* machine_row_ops(int32_t rank);
+
+// The fastest operations that this machine has, and which therefore run.
 const row_ops* active_row_ops(void);
 
 #endif

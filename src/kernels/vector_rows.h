@@ -1,20 +1,10 @@
-// What the vector paths share: the walk over a row, the edges of the filters, and the ways in.
+// What the vector paths share: the walk over a row and the edges of the filters.
 #ifndef IMAGEBLEND_KERNELS_VECTOR_ROWS_H
 #define IMAGEBLEND_KERNELS_VECTOR_ROWS_H
 
 #include <string.h>
 
 #include "kernels/row_ops.h"
-
-// The operations for one kind of vectors, or null where the machine or the build has none.
-const row_ops* avx2_rows(void);
-const row_ops* avx512_rows(void);
-const row_ops* neon_rows(void);
-
-// The tables behind the first two, for x86_rows.cpp, which asks the machine; null where the build
-// has none.
-const row_ops* avx2_table(void);
-const row_ops* avx512_table(void);
 
 // Calls step(i) for runs of `size` elements that cover 0 .. count - 1, count >= size. The last run
 // overlaps the one before it, so a step must not read what a step has written.

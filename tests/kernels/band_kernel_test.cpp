@@ -1,5 +1,4 @@
-// The element-wise band kernels beyond what a blend does with them: pixel steps, empty bands and
-// reported completions.
+// The element-wise band kernels: every value, pixel steps, empty bands and reported completions.
 #include <gtest/gtest.h>
 
 #include "kernels/band_kernels.h"
@@ -67,6 +66,73 @@ TEST(BandKernels, BlendHonoursPixelSteps) {
         b.task.dst_lap = b.lap2.data();
         ImageBlend_Short3C(&b.task);
         EXPECT_EQ(b.lap2, over_lap2);
+    }
+}
+
+// A band of one row of `width` pixels.
+band_task row_of(int32_t width) {
+    static const pixel_layout c1{0, 1}, c3{0, 3};
+    band_task task = band_task();
+    task.src_width = width;
+    task.src_rows = 1;
+    task.src_geom = task.src2_geom = task.dst_geom = &c3;
+    task.mask_geom = &c1;
+    return task;
+}
+
+// Sums beyond 16 bits are cut, also those of values that no difference of bytes has.
+TEST(BandKernels, BlendOfEveryMaskAndAnyValue) {
+    const int16_t ends[] = {-32768, -32767, -1025, -257, -256, -255, -128, -1,
+                            0,      1,      127,   128,  255,  256,  1024, 32767};
+    words lap, lap2;
+    for (const int16_t a : ends) {
+        for (const int16_t b : ends) {
+            lap.insert(lap.end(), 3, a);
+            lap2.insert(lap2.end(), 3, b);
+        }
+    }
+    band_task task = row_of(static_cast<int32_t>(lap.size() / 3));
+    words out(lap.size());
+    task.lap = lap.data();
+    task.lap2 = lap2.data();
+    task.dst_lap = out.data();
+    for (int mask = 0; mask < 256; ++mask) {
+        const bytes masks(lap.size() / 3, static_cast<uint8_t>(mask));
+        task.src = masks.data();
+        ImageBlend_Short3C(&task);
+        for (size_t i = 0; i < lap.size(); ++i)
+            ASSERT_EQ(out[i], naive::blended(mask, lap[i], lap2[i])) << mask << " at " << i;
+    }
+}
+
+TEST(BandKernels, DifferencesSumsAndCuts) {
+    bytes a(3 * 65536), b(a.size()), sums(a.size()), cut(a.size());
+    words all(a.size()), differences(a.size()), wide(a.size());
+    for (size_t i = 0; i < a.size(); ++i) {
+        a[i] = static_cast<uint8_t>(i / 256);
+        b[i] = static_cast<uint8_t>(i);
+        all[i] = static_cast<int16_t>(i);
+    }
+    band_task task = row_of(65536);
+    task.src = a.data();
+    task.src2 = b.data();
+    task.lap = all.data();
+    task.dst_lap = differences.data();
+    ImageLaplace_Byte3C(&task);
+    task.dst_lap = wide.data();
+    ImageWiden_Byte3C(&task);
+    task.dst = cut.data();
+    ImageNarrow_Short3C(&task);
+    task.dst = sums.data();
+    for (size_t i = 0; i < a.size(); ++i) {
+        ASSERT_TRUE(differences[i] == a[i] - b[i] && wide[i] == a[i] && cut[i] == (i & 255)) << i;
+    }
+    for (int base = 0; base < 256; base += 5) {
+        const bytes flat(a.size(), static_cast<uint8_t>(base));
+        task.src = flat.data();
+        ImageCollapse_Short3C(&task);
+        for (size_t i = 0; i < a.size(); ++i)
+            ASSERT_EQ(sums[i], naive::collapsed(all[i], base)) << all[i] << ", base " << base;
     }
 }
 

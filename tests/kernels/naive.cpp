@@ -6,7 +6,7 @@
 namespace naive {
 int16_t blended(int mask, int a, int b) {
     const int sum = mask * a + (255 - mask) * b + 128;
-    return static_cast<int16_t>((sum + 256 * 1024) / 256 - 1024);
+    return static_cast<int16_t>((sum + 256 * 65536) / 256 - 65536);
 }
 
 uint8_t collapsed(int lap, int base) {

@@ -1,7 +1,6 @@
 // The operations of the row tables. Every table gives what the plain rows give, at every length and
 // between pages that cannot be touched; the plain rows, and the others, round every value rightly.
 #include <gtest/gtest.h>
-#include <string.h>
 
 #include <algorithm>
 #include <functional>
@@ -22,19 +21,12 @@ class Rows : public ::testing::TestWithParam<const row_ops*> {};
 
 std::vector<const row_ops*> tables_of_this_machine() {
     std::vector<const row_ops*> tables = {&plain_rows};
-    for (const row_ops* table : {avx2_rows(), avx512_rows(), neon_rows()})
-        if (table != nullptr) tables.push_back(table);
+    while (const row_ops* table = machine_row_ops(static_cast<int32_t>(tables.size()) - 1))
+        tables.push_back(table);
     return tables;
 }
 INSTANTIATE_TEST_SUITE_P(Tables, Rows, ::testing::ValuesIn(tables_of_this_machine()),
                          [](const auto& table) { return table.param->name; });
-
-const int16_t* words_at(const uint8_t* place) {
-    return reinterpret_cast<const int16_t*>(place);
-}
-int16_t* words_at(uint8_t* place) {
-    return reinterpret_cast<int16_t*>(place);
-}
 
 // One operation: its input rows, the size of its output, and the call.
 struct row_case {
@@ -66,10 +58,6 @@ void check(const row_ops& table, const row_case& c) {
 std::vector<row_case> element_cases(size_t n, int kind) {
     const auto data = [&](size_t count) { return naive::data(kind, count, count + n); };
     const auto other = [&](size_t count) { return naive::data(4, count, count); };
-    const bytes lap = naive::bytes_of(naive::signed_data(kind, 3 * n, 255, n));
-    const bytes lap2 = naive::bytes_of(naive::signed_data(4, 3 * n, 255, n + 1));
-    const bytes wide = naive::bytes_of(naive::signed_data(kind, n, 32767, n));
-    const bytes lap_n(lap.begin(), lap.begin() + static_cast<ptrdiff_t>(2 * n));
     const bytes c3 = data(3 * n), d3 = other(3 * n), e3 = naive::data(5, 3 * n, n),
                 mask = n % 3 == 0 ? data(n) : other(n);
     const int weight = static_cast<int>(n * 37) % 129;
@@ -78,27 +66,8 @@ std::vector<row_case> element_cases(size_t n, int kind) {
                          auto call) {
         cases.push_back({name, inputs, output_bytes, call});
     };
-    add("subtract", {data(n), other(n)}, 2 * n,
-        [=](auto& t, auto& in, auto* out) { t.subtract(in[0], in[1], words_at(out), n); });
-    add("widen", {data(n)}, 2 * n,
-        [=](auto& t, auto& in, auto* out) { t.widen(in[0], words_at(out), n); });
-    add("collapse", {lap_n, data(n)}, n,
-        [=](auto& t, auto& in, auto* out) { t.collapse(words_at(in[0]), in[1], out, n); });
-    add("narrow", {wide}, n,
-        [=](auto& t, auto& in, auto* out) { t.narrow(words_at(in[0]), out, n); });
     add("mix_rows", {data(n), other(n)}, n,
         [=](auto& t, auto& in, auto* out) { t.mix_rows(in[0], in[1], weight, out, n); });
-    add("blend", {mask, lap, lap2}, 6 * n, [=](auto& t, auto& in, auto* out) {
-        t.blend(in[0], words_at(in[1]), words_at(in[2]), words_at(out), n);
-    });
-    add("blend over a", {mask, lap, lap2}, 6 * n, [=](auto& t, auto& in, auto* out) {
-        memcpy(out, in[1], 6 * n);
-        t.blend(in[0], words_at(out), words_at(in[2]), words_at(out), n);
-    });
-    add("blend over b", {mask, lap, lap2}, 6 * n, [=](auto& t, auto& in, auto* out) {
-        memcpy(out, in[2], 6 * n);
-        t.blend(in[0], words_at(in[1]), words_at(out), words_at(out), n);
-    });
     for (const auto merge : {&row_ops::merge_even, &row_ops::merge_odd})
         add("merge", {mask, c3, d3, d3, c3, c3, e3}, 3 * n, [=](auto& t, auto& in, auto* out) {
             const merge_rows rows = {in[0],
@@ -115,10 +84,6 @@ std::vector<row_case> element_cases(size_t n, int kind) {
         [=](auto& t, auto& in, auto* out) { t.unpack_rgb(in[0], out, n); });
     add("reduce_column", {data(n), other(n), c3, d3, data(n)}, n,
         [=](auto& t, auto& in, auto* out) { t.reduce_column(in.data(), out, n); });
-    add("expand_even", {data(n), other(n), c3}, n,
-        [=](auto& t, auto& in, auto* out) { t.expand_even(in[0], in[1], in[2], out, n); });
-    add("expand_odd", {data(n), other(n)}, n,
-        [=](auto& t, auto& in, auto* out) { t.expand_odd(in[0], in[1], out, n); });
     return cases;
 }
 
@@ -193,10 +158,6 @@ TEST_P(Rows, OfEveryPairOfBytes) {
     const uint8_t* const taps[5] = {b, a, b, a, a};
     GetParam()->reduce_column(taps, out.data(), out.size());
     expect("reduce_column", 9, 7, 8, 16);
-    GetParam()->expand_even(a, b, a, out.data(), out.size());
-    expect("expand_even", 2, 6, 4, 8);
-    GetParam()->expand_odd(a, b, out.data(), out.size());
-    expect("expand_odd", 4, 4, 4, 8);
     for (int weight = 0; weight <= 128; ++weight) {
         GetParam()->mix_rows(a, b, weight, out.data(), out.size());
         expect("mix_rows", 128 - weight, weight, 64, 128);
@@ -208,11 +169,11 @@ coarse_rows alike(const bytes& row) {
     return {row.data(), row.data(), row.data()};
 }
 
-// Blends of every mask and value, and merges of differences that give them.
+// Merges of every mask and difference.
 TEST_P(Rows, OfEveryMaskAndValue) {
     constexpr int values = 511;  // -255 .. 255
     constexpr size_t count = 3 * values;
-    words a(count), b(count), out(count);
+    words a(count), b(count);
     bytes src(count), under(count), coarse_src(count), coarse_under(count), base(count);
     bytes merged(count);
     for (int mask = 0; mask < 256; ++mask) {
@@ -233,12 +194,11 @@ TEST_P(Rows, OfEveryMaskAndValue) {
                 coarse_under[i] = static_cast<uint8_t>(std::max(-y, 0));
                 base[i] = static_cast<uint8_t>(i * 7);
             }
-            GetParam()->blend(row.data(), a.data(), b.data(), out.data(), values);
             const auto merge = step % 2 == 0 ? GetParam()->merge_even : GetParam()->merge_odd;
             merge(&rows, merged.data(), values);
             for (size_t i = 0; i < count; ++i) {
                 const int16_t expected = naive::blended(mask, a[i], b[i]);
-                ASSERT_TRUE(out[i] == expected && merged[i] == naive::collapsed(expected, base[i]))
+                ASSERT_EQ(merged[i], naive::collapsed(expected, base[i]))
                     << "mask " << mask << ", a " << a[i] << ", b " << b[i];
             }
         }
@@ -269,22 +229,6 @@ TEST_P(Rows, MergeOfOnePicture) {
             }
         }
     }
-}
-
-TEST_P(Rows, CollapseAndNarrowOfEveryWord) {
-    words all(65536);
-    for (int i = 0; i < 65536; ++i)
-        all[static_cast<size_t>(i)] = static_cast<int16_t>(i - 32768);
-    bytes out(all.size());
-    for (int base = 0; base < 256; ++base) {
-        const bytes flat(all.size(), static_cast<uint8_t>(base));
-        GetParam()->collapse(all.data(), flat.data(), out.data(), all.size());
-        for (size_t i = 0; i < all.size(); ++i)
-            ASSERT_EQ(out[i], naive::collapsed(all[i], base)) << all[i] << ", base " << base;
-    }
-    GetParam()->narrow(all.data(), out.data(), all.size());
-    for (size_t i = 0; i < all.size(); ++i)
-        ASSERT_EQ(out[i], static_cast<uint8_t>(all[i] & 255)) << all[i];
 }
 
 }  // namespace

@@ -8,7 +8,8 @@
 #include "api/zoom_plane.h"
 #include "blend/rectangle.h"
 #include "blend/resize.h"
-#include "kernels/row_ops.h"
+#include "blend/row_conversion.h"
+#include "kernels/band_kernels.h"
 #include "kernels/whole_plane.h"
 #include "pictures/errors.h"
 
@@ -128,14 +129,29 @@ Plane expand(const Plane& coarse, const Plane& size) {
     return fine;
 }
 
+// A band that is all of a level.
+band_task whole_level(const Plane& level) {
+    static const pixel_layout layout_c3 = {0, 3};
+    static const pixel_layout layout_mask = {0, 1};
+    band_task task = band_task();
+    task.src_width = level.width;
+    task.src_rows = level.height;
+    task.src_geom = task.src2_geom = task.dst_geom = &layout_c3;
+    task.mask_geom = &layout_mask;
+    return task;
+}
+
 std::vector<int16_t> laplacian(const Plane& level, const Plane* coarser) {
     std::vector<int16_t> values(level.bytes.size());
+    band_task task = whole_level(level);
+    task.src = level.bytes.data();
+    task.dst_lap = values.data();
     if (!coarser) {
-        active_row_ops()->widen(level.bytes.data(), values.data(), values.size());
+        ImageWiden_Byte3C(&task);
     } else {
         const Plane expanded = expand(*coarser, level);
-        active_row_ops()->subtract(level.bytes.data(), expanded.bytes.data(), values.data(),
-                                   values.size());
+        task.src2 = expanded.bytes.data();
+        ImageLaplace_Byte3C(&task);
     }
     return values;
 }
@@ -153,7 +169,6 @@ void build_pyramids(std::vector<Level>& levels, int depth) {
 }
 
 void collapse(std::vector<Level>& levels) {
-    const row_ops* const rows = active_row_ops();
     for (size_t l = levels.size(); l-- > 0;) {
         Level& level = levels[l];
         const Level* const coarser = l + 1 < levels.size() ? &levels[l + 1] : nullptr;
@@ -161,17 +176,23 @@ void collapse(std::vector<Level>& levels) {
         level.destination_laplacian =
             laplacian(level.destination, coarser ? &coarser->destination : nullptr);
         level.blended_laplacian.resize(level.source.bytes.size());
-        rows->blend(level.mask.bytes.data(), level.source_laplacian.data(),
-                    level.destination_laplacian.data(), level.blended_laplacian.data(),
-                    level.mask.bytes.size());
+        band_task task = whole_level(level.source);
+        task.src = level.mask.bytes.data();
+        task.lap = level.source_laplacian.data();
+        task.lap2 = level.destination_laplacian.data();
+        task.dst_lap = level.blended_laplacian.data();
+        ImageBlend_Short3C(&task);
         level.result = make_plane(level.source.width, level.source.height, 3);
-        const std::vector<int16_t>& blended = level.blended_laplacian;
+        uint8_t* const result = level.result.bytes.data();
         if (coarser) {
             const Plane base = expand(coarser->result, level.result);
-            rows->collapse(blended.data(), base.bytes.data(), level.result.bytes.data(),
-                           blended.size());
+            task.src = base.bytes.data();
+            task.lap = level.blended_laplacian.data();
+            task.dst = result;
+            ImageCollapse_Short3C(&task);
         } else {
-            rows->narrow(blended.data(), level.result.bytes.data(), blended.size());
+            narrow_plane_c3(level.blended_laplacian.data(),
+                            static_cast<uint32_t>(level.result.width), level.result.height, result);
         }
     }
 }

@@ -1,14 +1,13 @@
 // What the files with vectors of 64-bit Arm share, above all how rows are walked. In-order cores
 // wait for every result that is used at once, so a walk gives them something else to do meanwhile;
 // others lose nothing by it.
-#ifndef IMAGEBLEND_KERNELS_NEON_WALK_H
-#define IMAGEBLEND_KERNELS_NEON_WALK_H
-
-#include "kernels/vector_rows.h"
-
-#if defined(__aarch64__)
+#ifndef IMAGEBLEND_KERNELS_ARM_NEON_VECTORS_H
+#define IMAGEBLEND_KERNELS_ARM_NEON_VECTORS_H
 
 #include <arm_neon.h>
+
+#include "kernels/arm/neon_rows.h"
+#include "kernels/vector_rows.h"
 
 typedef uint8x16_t bytes16;
 
@@ -34,21 +33,9 @@ static inline void write_bytes(uint8_t* __restrict dst, size_t count, Value valu
     for_each_pair(count, 16, value_at, [=](size_t i, bytes16 v) { vst1q_u8(dst + i, v); });
 }
 
-template <class Value>
-static inline void write_values(int16_t* __restrict dst, size_t count, Value value_at) {
-    for_each_pair(count, 16, value_at, [=](size_t i, uint16x8x2_t v) {
-        vst1q_s16(dst + i, vreinterpretq_s16_u16(v.val[0]));
-        vst1q_s16(dst + i + 8, vreinterpretq_s16_u16(v.val[1]));
-    });
+// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step.
+static inline bytes16 even_phase(bytes16 a, bytes16 b, bytes16 c) {
+    return vrhaddq_u8(b, vhaddq_u8(b, vhaddq_u8(a, c)));
 }
 
-// The operations of neon_resample.cpp, as row_ops.h describes them.
-void neon_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
-                   size_t bytes);
-void neon_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
-                          uint8_t* __restrict dst, size_t pixels);
-void neon_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
-void neon_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
-
-#endif
 #endif

@@ -1,20 +1,5 @@
-// Differences of levels, their blend under the mask and the way back to bytes, in 256-bit vectors
-// of x86-64. Reached through the table of avx2_rows.cpp.
-#if defined(__AVX2__)
-
-#include "kernels/avx2_vectors.h"
-
-void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count) {
-    if (count < 16) return plain_rows.subtract(a, b, dst, count);
-    for_each_vector(count, 16, [=](size_t i) {
-        store_values(dst + i, _mm256_sub_epi16(widen16(a + i), widen16(b + i)));
-    });
-}
-
-void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count) {
-    if (count < 16) return plain_rows.widen(src, dst, count);
-    for_each_vector(count, 16, [=](size_t i) { store_values(dst + i, widen16(src + i)); });
-}
+// The merge of a row in 256-bit vectors of x86-64.
+#include "kernels/x86/avx2_vectors.h"
 
 // With d = a - b the blend is b + ((m d - b + 128) >> 8). m d has up to 18 bits: its upper part
 // comes from the high half of (64 d)(4 m), its low byte from the low half of m d.
@@ -33,48 +18,6 @@ static inline __m128i triple_bytes(__m128i mask, size_t third) {
         _mm_setr_epi8(5, 5, 6, 6, 6, 7, 7, 7, 8, 8, 8, 9, 9, 9, 10, 10),
         _mm_setr_epi8(10, 11, 11, 11, 12, 12, 12, 13, 13, 13, 14, 14, 14, 15, 15, 15)};
     return _mm_shuffle_epi8(mask, triples[third]);
-}
-
-// 16 pixels of three channels.
-typedef struct blended_pixels {
-    __m256i values[3];
-} blended_pixels;
-
-static inline blended_pixels blend_pixels(const uint8_t* mask, const int16_t* a, const int16_t* b) {
-    const __m128i m = load16(mask);
-    blended_pixels out;
-    for (size_t k = 0; k < 3; k++) {
-        out.values[k] = blend_values(_mm256_cvtepu8_epi16(triple_bytes(m, k)),
-                                     load_values(a + 16 * k), load_values(b + 16 * k));
-    }
-    return out;
-}
-
-static inline void store_pixels(int16_t* dst, const blended_pixels* pixels) {
-    for (size_t k = 0; k < 3; k++)
-        store_values(dst + 16 * k, pixels->values[k]);
-}
-
-// The output may be an input: the last pixels are computed before any is stored.
-void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                size_t pixels) {
-    if (pixels < 16) return plain_rows.blend(mask, a, b, dst, pixels);
-    const size_t last = pixels - 16;
-    const blended_pixels tail = blend_pixels(mask + last, a + 3 * last, b + 3 * last);
-    for (size_t p = 0; p + 16 <= pixels; p += 16) {
-        const blended_pixels run = blend_pixels(mask + p, a + 3 * p, b + 3 * p);
-        store_pixels(dst + 3 * p, &run);
-    }
-    store_pixels(dst + 3 * last, &tail);
-}
-
-void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count) {
-    if (count < 32) return plain_rows.collapse(lap, base, dst, count);
-    for_each_vector(count, 32, [=](size_t i) {
-        const __m256i low = _mm256_add_epi16(load_values(lap + i), widen16(base + i));
-        const __m256i high = _mm256_add_epi16(load_values(lap + i + 16), widen16(base + i + 16));
-        store(dst + i, pack_in_order(low, high));
-    });
 }
 
 // 32 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
@@ -173,14 +116,3 @@ void avx2_merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixe
     if (pixels < 32) return plain_rows.merge_odd(rows, dst, pixels);
     merge<odd_rows>(rows, dst, pixels);
 }
-
-void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count) {
-    if (count < 32) return plain_rows.narrow(src, dst, count);
-    const __m256i low_byte = _mm256_set1_epi16(255);
-    for_each_vector(count, 32, [=](size_t i) {
-        store(dst + i, pack_in_order(_mm256_and_si256(load_values(src + i), low_byte),
-                                     _mm256_and_si256(load_values(src + i + 16), low_byte)));
-    });
-}
-
-#endif

@@ -1,10 +1,11 @@
 // What the files with 256-bit vectors of x86-64 share. Only for files that are built for AVX2.
-#ifndef IMAGEBLEND_KERNELS_AVX2_VECTORS_H
-#define IMAGEBLEND_KERNELS_AVX2_VECTORS_H
+#ifndef IMAGEBLEND_KERNELS_X86_AVX2_VECTORS_H
+#define IMAGEBLEND_KERNELS_X86_AVX2_VECTORS_H
 
 #include <immintrin.h>
 
 #include "kernels/vector_rows.h"
+#include "kernels/x86/x86_rows.h"
 
 typedef __m256i bytes32;
 
@@ -12,12 +13,6 @@ static inline bytes32 load(const uint8_t* p) {
     return _mm256_loadu_si256((const __m256i*)p);
 }
 static inline void store(uint8_t* p, bytes32 v) {
-    _mm256_storeu_si256((__m256i*)p, v);
-}
-static inline __m256i load_values(const int16_t* p) {
-    return _mm256_loadu_si256((const __m256i*)p);
-}
-static inline void store_values(int16_t* p, __m256i v) {
     _mm256_storeu_si256((__m256i*)p, v);
 }
 static inline __m128i load16(const uint8_t* p) {
@@ -39,10 +34,6 @@ static inline bytes32 join(__m128i low, __m128i high) {
 // Two runs of 16 bytes, one in each half.
 static inline bytes32 load_halves(const uint8_t* low, const uint8_t* high) {
     return join(load16(low), load16(high));
-}
-
-static inline __m256i widen16(const uint8_t* p) {
-    return _mm256_cvtepu8_epi16(load16(p));
 }
 
 // Bytes of two vectors of 16 values in their order, each saturated to 0..255.
@@ -76,64 +67,8 @@ static inline void store_two_twelves(uint8_t* p, __m256i v) {
     _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
 }
 
-// Operations of avx2_rows.cpp, avx2_blend.cpp and avx2_resample.cpp, as row_ops.h describes them.
-// Most serve the table for wider vectors too.
-void avx2_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                        int32_t dst_width);
-void avx2_reduce_row_c1(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                        int32_t dst_width);
-void avx2_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                        int32_t dst_width);
-void avx2_reduce_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
-void avx2_expand_even(const uint8_t* a, const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst,
-                      size_t bytes);
-void avx2_expand_odd(const uint8_t* b, const uint8_t* c, uint8_t* __restrict dst, size_t bytes);
-void avx2_subtract(const uint8_t* a, const uint8_t* b, int16_t* __restrict dst, size_t count);
-void avx2_widen(const uint8_t* __restrict src, int16_t* __restrict dst, size_t count);
-void avx2_blend(const uint8_t* mask, const int16_t* a, const int16_t* b, int16_t* dst,
-                size_t pixels);
-void avx2_collapse(const int16_t* lap, const uint8_t* base, uint8_t* __restrict dst, size_t count);
-void avx2_merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
-void avx2_merge_odd(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
-void avx2_narrow(const int16_t* __restrict src, uint8_t* __restrict dst, size_t count);
-void avx2_mix_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
-                   size_t bytes);
-void avx2_resample_row_c3(const uint8_t* __restrict src, const row_tap* taps,
-                          uint8_t* __restrict dst, size_t pixels);
-void avx2_pack_rgb(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
-void avx2_unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
-
-// What the filters leave to the edges, where neighbours repeat. A reduction: the first two and the
-// last two outputs, dst_width >= 4. An expansion: the first five and the last five source pixels
-// and the surplus pixel, src_width >= 6.
-void avx2_reduce_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                         int32_t dst_width);
-void avx2_expand_ends_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                         int32_t dst_width);
-
-// The table of 256-bit vectors, from which that of wider ones differs in a few operations.
-static constexpr row_ops avx2_operations(void) {
-    return {
-        "avx2",
-        1000000,
-        avx2_reduce_row_c3,
-        avx2_reduce_row_c1,
-        avx2_expand_row_c3,
-        avx2_reduce_column,
-        avx2_expand_even,
-        avx2_expand_odd,
-        avx2_subtract,
-        avx2_widen,
-        avx2_blend,
-        avx2_collapse,
-        avx2_merge_even,
-        avx2_merge_odd,
-        avx2_narrow,
-        avx2_mix_rows,
-        avx2_resample_row_c3,
-        avx2_pack_rgb,
-        avx2_unpack_rgb,
-    };
+static inline __m256i weigh(bytes32 pairs, int first, int second) {
+    return _mm256_maddubs_epi16(pairs, pair_weights(first, second));
 }
 
 #endif

@@ -1,9 +1,8 @@
 // Which of the vector paths of x86-64 this machine can run.
-#include "kernels/vector_rows.h"
-
-#if defined(__x86_64__)
-
 #include <cpuid.h>
+
+#include "costs.h"
+#include "kernels/x86/x86_rows.h"
 
 enum { HAS_NOTHING = 1, HAS_AVX2 = 2, HAS_AVX512 = 3 };
 
@@ -31,22 +30,35 @@ static int32_t machine_has(void) {
     return known;
 }
 
-const row_ops* avx2_rows(void) {
-    return machine_has() >= HAS_AVX2 ? avx2_table() : NULL;
+// What 256-bit vectors do.
+static constexpr row_ops avx2_operations(void) {
+    return {
+        "avx2",
+        X86_PIXELS_A_MS,
+        avx2_reduce_row_c3,
+        avx2_reduce_row_c1,
+        avx2_expand_row_c3,
+        avx2_reduce_column,
+        avx2_merge_even,
+        avx2_merge_odd,
+        avx2_mix_rows,
+        avx2_resample_row_c3,
+        avx2_pack_rgb,
+        avx2_unpack_rgb,
+    };
 }
 
-const row_ops* avx512_rows(void) {
-    return machine_has() >= HAS_AVX512 ? avx512_table() : NULL;
+// Wider ones gain most where pixels have to be taken apart.
+static constexpr row_ops avx512_operations(void) {
+    row_ops table = avx2_operations();
+    table.name = "avx512";
+    table.reduce_row_c3 = avx512_reduce_row_c3;
+    table.expand_row_c3 = avx512_expand_row_c3;
+    return table;
 }
 
-#else
-
-const row_ops* avx2_rows(void) {
-    return NULL;
+const row_ops* machine_row_ops(int32_t rank) {
+    static constexpr row_ops tables[] = {avx2_operations(), avx512_operations()};
+    const int32_t best = machine_has() - HAS_AVX2;
+    return rank >= 0 && rank <= best ? &tables[best - rank] : NULL;
 }
-
-const row_ops* avx512_rows(void) {
-    return NULL;
-}
-
-#endif
