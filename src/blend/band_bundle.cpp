@@ -15,12 +15,6 @@ enum { REDUCED_ROWS = 2 * STRIP_ROWS + 4 };
 // Rows of the coarser level that a finer row lies between.
 enum { RING_ROWS = 3 };
 
-// Working rows of the way down.
-typedef struct reduce_scratch {
-    uint8_t* cut;     // REDUCED_ROWS rows of the finer level, cut from a frame
-    uint8_t* filter;  // as many, filtered along the row
-} reduce_scratch;
-
 // Working rows of the way up.
 typedef struct merge_scratch {
     uint8_t* ring[3];  // RING_ROWS coarse rows, widened, of source, destination and result
@@ -29,38 +23,16 @@ typedef struct merge_scratch {
     uint8_t* out;
 } merge_scratch;
 
-// Working rows of the coarsest level, as many as are blended together.
-typedef struct top_scratch {
-    uint8_t* cut_src;
-    uint8_t* cut_dst;
-    uint8_t* out;
-    uint8_t* zeros;
-} top_scratch;
-
 static size_t max_size(size_t a, size_t b) {
     return a > b ? a : b;
-}
-
-static int32_t top_rows_at_once(int32_t width) {
-    return width < TOP_RUN_PIXELS ? TOP_RUN_PIXELS / width : 1;
-}
-
-static size_t top_run_bytes(int32_t width) {
-    return 3 * (size_t)width * (size_t)top_rows_at_once(width);
 }
 
 size_t band_scratch_bytes(int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
     const size_t reduce = REDUCED_ROWS * (row_bytes + 3 * (size_t)(width / 2));
     const size_t merge = (3 * RING_ROWS + 3) * row_bytes;
-    // A run of the coarsest level has this many bytes at most, whatever its width is.
     const size_t top = 4 * max_size(row_bytes, 3 * TOP_RUN_PIXELS);
     return (max_size(max_size(reduce, merge), top) + 63) & ~(size_t)63;
-}
-
-static reduce_scratch split_for_reduction(uint8_t* scratch, int32_t width) {
-    const reduce_scratch parts = {scratch, scratch + REDUCED_ROWS * 3 * (size_t)width};
-    return parts;
 }
 
 static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
@@ -74,13 +46,6 @@ static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
     return parts;
 }
 
-static top_scratch split_for_top(uint8_t* scratch, int32_t width) {
-    const size_t run_bytes = top_run_bytes(width);
-    const top_scratch parts = {scratch, scratch + run_bytes, scratch + 2 * run_bytes,
-                               scratch + 3 * run_bytes};
-    return parts;
-}
-
 // Rows [begin, end) of the coarser level and what they take of the finer one: from two rows above
 // the first centre to two below the last.
 typedef struct strip {
@@ -89,7 +54,8 @@ typedef struct strip {
     int32_t first_row;
 } strip;
 
-// Fills the sizes of a record for the strip that starts at a row, and its place.
+// The strip that starts at a row, and a record with its sizes. The scratch holds the finer rows as
+// they are cut from a frame, then the filtered ones.
 static strip next_strip(const band_bundle* bundle, int32_t begin, band_task* task) {
     const int32_t fine_height = bundle->fine->height, coarse_height = bundle->coarse->height;
     strip s;
@@ -105,19 +71,18 @@ static strip next_strip(const band_bundle* bundle, int32_t begin, band_task* tas
     task->dst_width = bundle->coarse->width;
     task->dst_height = coarse_height;
     task->dst_rows = s.end - s.begin;
+    task->scratch = bundle->scratch + REDUCED_ROWS * 3 * (size_t)bundle->fine->width;
     return s;
 }
 
 static void reduce_colours(const band_bundle* bundle, const patch* fine, const patch* coarse) {
     const int32_t width = bundle->fine->width;
-    const reduce_scratch scratch = split_for_reduction(bundle->scratch, width);
     band_task task;
     for (int32_t row = bundle->begin; row < bundle->end; row += STRIP_ROWS) {
         const strip s = next_strip(bundle, row, &task);
-        task.src = read_rows(fine, s.first_row, task.src_rows, width, scratch.cut);
+        task.src = read_rows(fine, s.first_row, task.src_rows, width, bundle->scratch);
         task.dst = result_rows(coarse, s.begin, NULL);
         task.src_geom = task.dst_geom = &layout_c3;
-        task.scratch = scratch.filter;
         reduce_band(&task, 3, s.ends);
     }
 }
@@ -129,7 +94,6 @@ static void reduce_mask(const band_bundle* bundle) {
         task.src = bundle->fine->mask + (size_t)s.first_row * (size_t)task.src_width;
         task.dst = bundle->coarse->mask + (size_t)s.begin * (size_t)task.dst_width;
         task.src_geom = task.dst_geom = &layout_mask;
-        task.scratch = split_for_reduction(bundle->scratch, task.src_width).filter;
         reduce_band(&task, 1, s.ends);
     }
 }
@@ -183,7 +147,7 @@ static coarse_rows rows_around(const band_bundle* bundle, size_t i, int32_t row,
 
 // Row `row` of the result. Behind the rows of the last coarse row there may be one more, a copy:
 // between the row and itself.
-static void merge_row(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
+static void make_row(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
     const pyramid_level* fine = bundle->fine;
     const int32_t width = fine->width;
     const bool copied = row == 2 * bundle->coarse->height;
@@ -208,12 +172,12 @@ static void collapse_rows(const band_bundle* bundle) {
     fill_rings(bundle, bundle->begin, &scratch);
     for (int32_t row = bundle->begin; row < bundle->end; row++) {
         if (row + 1 < coarse_height) fill_rings(bundle, row + 1, &scratch);
-        merge_row(bundle, 2 * row, &scratch);
-        merge_row(bundle, 2 * row + 1, &scratch);
+        make_row(bundle, 2 * row, &scratch);
+        make_row(bundle, 2 * row + 1, &scratch);
     }
     const bool is_last = bundle->end == coarse_height;
     if (is_last && 2 * coarse_height < bundle->fine->height) {
-        merge_row(bundle, 2 * coarse_height, &scratch);
+        make_row(bundle, 2 * coarse_height, &scratch);
     }
 }
 
@@ -225,18 +189,21 @@ void* band_bundle_collapse(void* arg) {
 }
 
 void merge_top_rows(const pyramid_level* top, int32_t begin, int32_t end, uint8_t* scratch) {
-    const int32_t width = top->width, at_once = top_rows_at_once(width);
-    const top_scratch parts = split_for_top(scratch, width);
-    memset(parts.zeros, 0, 3 * (size_t)width * (size_t)min_i64(at_once, (int64_t)end - begin));
-    const coarse_rows nothing = {parts.zeros, parts.zeros, parts.zeros};
+    const int32_t width = top->width;
+    const int32_t most = width < TOP_RUN_PIXELS ? TOP_RUN_PIXELS / width : 1;
+    const int32_t at_once = (int32_t)min_i64(most, (int64_t)end - begin);
+    const size_t run_bytes = 3 * (size_t)width * (size_t)at_once;
+    uint8_t* zeros = scratch + 3 * run_bytes;
+    memset(zeros, 0, run_bytes);
+    const coarse_rows nothing = {zeros, zeros, zeros};
     for (int32_t row = begin; row < end; row += at_once) {
         const int32_t rows = (int32_t)min_i64(at_once, (int64_t)end - row);
         merge_rows inputs;
         inputs.mask = top->mask + (size_t)row * (size_t)width;
-        inputs.src = read_rows(&top->src, row, rows, width, parts.cut_src);
-        inputs.under = read_rows(&top->dst, row, rows, width, parts.cut_dst);
+        inputs.src = read_rows(&top->src, row, rows, width, scratch);
+        inputs.under = read_rows(&top->dst, row, rows, width, scratch + run_bytes);
         inputs.coarse_src = inputs.coarse_under = inputs.coarse_result = nothing;
-        uint8_t* out = result_rows(&top->result, row, parts.out);
+        uint8_t* out = result_rows(&top->result, row, scratch + 2 * run_bytes);
         active_row_ops()->merge_odd(&inputs, out, (size_t)rows * (size_t)width);
         store_rows(&top->result, row, rows, width, out);
     }

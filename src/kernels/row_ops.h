@@ -36,56 +36,52 @@ typedef struct row_tap {
     int32_t weight;  // 0..128
 } row_tap;
 
+// 2:1 reduction of a row of `src_width` pixels to `dst_width`, 2 <= dst_width <= src_width / 2:
+//   dst[i] = (s[2i-2] + 4 s[2i-1] + 6 s[2i] + 4 s[2i+1] + s[2i+2] + 8) >> 4
+// 1:2 expansion of a row of `src_width` >= 2 pixels of three channels, dst_width >= 2 src_width:
+//   dst[2i]   = (s[i-1] + 6 s[i] + s[i+1] + 4) >> 3
+//   dst[2i+1] = (4 s[i] + 4 s[i+1] + 4) >> 3
+// Positions are clamped to the row. When an expanded row has more than 2 src_width pixels one more
+// is written, a copy of the last; pixels after that are left alone.
+typedef void filter_row(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
+                        int32_t dst_width);
+
+// The reduction down the columns; `taps` are the source rows in order, rows may repeat.
+//   dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
+typedef void filter_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
+
+// One row of one level of the blended pyramid, made from the level's pictures and from the coarser
+// levels of both and of the result: three expansions down the columns, two differences, their blend
+// under the mask and its sum with the result.
+//   e_x = (x.above + 6 x.centre + x.below + 4) >> 3         for an even row
+//   e_x = (4 x.centre + 4 x.below + 4) >> 3                 for an odd row
+//   dst = min(max(e_result + ((m (src - e_src) + (255 - m) (under - e_under) + 128) >> 8), 0), 255)
+// The shift rounds down. Weights sum to 255, not 256: a full mask shrinks a difference of 255 to
+// 254.
+typedef void merge_row(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
+
+// Linear interpolation between two rows, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
+typedef void mix_two_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight,
+                          uint8_t* __restrict dst, size_t bytes);
+
+// The same between neighbouring pixels of a row of three channels. Up to two bytes behind the last
+// pixel that the taps name are read.
+typedef void resample_row(const uint8_t* __restrict src, const row_tap* taps,
+                          uint8_t* __restrict dst, size_t pixels);
+
+// Colours of 4-byte pixels, bytes 1 to 3, to packed ones, or back with byte 0 set to 255.
+typedef void convert_row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t pixels);
+
+// c3: three interleaved channels, c1: one.
 typedef struct row_ops {
     const char* name;
-
-    // About as many pixels of a blend as one thread gets through in a millisecond.
-    int64_t pixels_a_ms;
-
-    // 2:1 reduction of a row of `src_width` pixels to `dst_width`, 2 <= dst_width <= src_width / 2:
-    //   dst[i] = (s[2i-2] + 4 s[2i-1] + 6 s[2i] + 4 s[2i+1] + s[2i+2] + 8) >> 4
-    // with positions clamped to the row. c3: three interleaved channels, c1: one.
-    void (*reduce_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width);
-    void (*reduce_row_c1)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width);
-
-    // 1:2 expansion of a row of `src_width` >= 2 pixels of three channels, dst_width >= 2
-    // src_width:
-    //   dst[2i]   = (s[i-1] + 6 s[i] + s[i+1] + 4) >> 3
-    //   dst[2i+1] = (4 s[i] + 4 s[i+1] + 4) >> 3
-    // with positions clamped to the row. When dst_width > 2 src_width one more pixel is written, a
-    // copy of the last; pixels after that are left alone.
-    void (*expand_row_c3)(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
-                          int32_t dst_width);
-
-    // The same filter down the columns; `taps` are the source rows in order, rows may repeat.
-    //   dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
-    void (*reduce_column)(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
-
-    // One row of one level of the blended pyramid, made from the level's pictures and from the
-    // coarser levels of both and of the result: three expansions down the columns, two differences,
-    // their blend under the mask and its sum with the result.
-    //   e_x = (x.above + 6 x.centre + x.below + 4) >> 3         for an even row
-    //   e_x = (4 x.centre + 4 x.below + 4) >> 3                 for an odd row
-    //   dst = min(max(e_result + ((m (src - e_src) + (255 - m) (under - e_under) + 128) >> 8), 0),
-    //             255), the shift rounding down
-    // Weights sum to 255, not 256: a full mask shrinks a difference of 255 to 254.
-    void (*merge_even)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
-    void (*merge_odd)(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
-
-    // Linear interpolation, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
-    //   mix_rows: between two rows
-    //   resample_row_c3: between neighbouring pixels of a row of three channels; up to two bytes
-    //   behind the last pixel that the taps name are read
-    void (*mix_rows)(const uint8_t* s0, const uint8_t* s1, int32_t weight, uint8_t* __restrict dst,
-                     size_t bytes);
-    void (*resample_row_c3)(const uint8_t* __restrict src, const row_tap* taps,
-                            uint8_t* __restrict dst, size_t pixels);
-
-    // Colours of 4-byte pixels, bytes 1 to 3, to packed ones, and back with byte 0 set to 255.
-    void (*pack_rgb)(const uint8_t* __restrict argb, uint8_t* __restrict rgb, size_t pixels);
-    void (*unpack_rgb)(const uint8_t* __restrict rgb, uint8_t* __restrict argb, size_t pixels);
+    int64_t pixels_a_ms;  // about as many pixels of a blend as one thread gets through
+    filter_row *reduce_row_c3, *reduce_row_c1, *expand_row_c3;
+    filter_column* reduce_column;
+    merge_row *merge_even, *merge_odd;
+    mix_two_rows* mix_rows;
+    resample_row* resample_row_c3;
+    convert_row *pack_rgb, *unpack_rgb;
 } row_ops;
 
 // Plain C++, the definition of every result.
