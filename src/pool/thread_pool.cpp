@@ -20,16 +20,10 @@ static bool init_locks(thread_pool* pool) {
 static bool alloc_thread_arrays(thread_pool* pool) {
     const size_t count = (size_t)(pool->max_thread_num > 0 ? pool->max_thread_num : 1);
     pool->threadid = (pthread_t*)calloc(count, sizeof(pthread_t));
-    if (pool->threadid == NULL) {
-        puts("can't malloc threadid");
-        return false;
-    }
+    if (pool->threadid == NULL) puts("can't malloc threadid");
     pool->thread_creatflag = (int32_t*)calloc(count, sizeof(int32_t));
-    if (pool->thread_creatflag == NULL) {
-        puts("can't malloc thread_creatflag");
-        return false;
-    }
-    return true;
+    if (pool->thread_creatflag == NULL) puts("can't malloc thread_creatflag");
+    return pool->threadid != NULL && pool->thread_creatflag != NULL;
 }
 
 // Starts the workers and returns how many could not be started.
