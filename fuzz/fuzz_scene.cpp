@@ -105,7 +105,7 @@ fuzz_scene decode_scene(const uint8_t* data, size_t size) {
         (icon ? icon_height : destination_height) = read_side(in);
     }
     const auto noise = in.ConsumeIntegral<uint8_t>();
-    made.alias = static_cast<support::aliasing>(in.ConsumeIntegralInRange(0, 3));
+    made.alias = static_cast<support::aliasing>(in.ConsumeIntegralInRange(0, 5));
     model::bytes tile = in.ConsumeRemainingBytes<uint8_t>();
     tile.push_back(0);
     s.destination = make_picture(destination_width, destination_height, tile, noise, s.seed + 1);

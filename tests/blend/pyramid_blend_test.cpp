@@ -99,6 +99,17 @@ TEST(PyramidBlend, ManySizesDepthsAndThreads) {
     EXPECT_TRUE(support::take_log().empty());
 }
 
+// Each stage of a blend with threads puts four tasks into the pool, which has three blocks itself.
+TEST(PyramidBlend, HandsItsStagesToThePool) {
+    support::use_threads_from(0);
+    for (int32_t levels = 0; levels <= 4; ++levels) {
+        const faults::scope allocations(faults::call::allocation, faults::those_of(0));
+        ASSERT_EQ(check_blend(make_pictures(67, 95, 4), levels), 0);
+        EXPECT_EQ(allocations.calls(), 2 + 3 + 4 * (2 * levels + 1));
+    }
+    support::use_threads_from(-1);
+}
+
 // Each allocation in turn fails, or all from it on.
 TEST(PyramidBlend, FailsWithoutMemory) {
     const pictures p = make_pictures(70, 41, 4);

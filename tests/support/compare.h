@@ -20,9 +20,22 @@ inline void PrintTo(const log_line& line, std::ostream* out) {
 
 namespace support {
 
+// While it lives, a leak sanitizer looks away from what this thread allocates.
+class without_leak_check {
+  public:
+    explicit without_leak_check(bool really = true);
+    ~without_leak_check();
+    without_leak_check(const without_leak_check&) = delete;
+    without_leak_check& operator=(const without_leak_check&) = delete;
+
+  private:
+    bool disabled_;
+};
+
 // Which buffer the output shares, if any. With `both` the icon is the destination's buffer too; the
-// two pictures of the scene must then be equal.
-enum class aliasing { none, destination, icon, both };
+// two pictures of the scene must then be equal. With `part_of` one the output starts any number of
+// bytes before or behind it, which the scene's seed says.
+enum class aliasing { none, destination, icon, both, part_of_destination, part_of_icon };
 
 // Each makes one call; its log lines are normalised. The outcome is clean when the inputs, what
 // lies beside the buffers and the fields that the call does not set are as they were, and when a
