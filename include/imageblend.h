@@ -34,10 +34,10 @@
  * OWNERSHIP. The caller owns every record and every buffer. The library frees none of them and
  * keeps no pointer into them after a call has returned.
  *
- * THREADS. vorn_imageBlending may use up to four worker threads of its own, which are joined before
- * it returns. Two calls of vorn_imageBlending must not overlap in one process. The other three
- * functions keep no state: they may run at any time, on any thread, beside each other and beside
- * one blend.
+ * THREADS. Every function may run at any time, on any thread, beside any other call: each call owns
+ * what it works on. Only buffers that a call writes must not be in use elsewhere meanwhile.
+ * vorn_imageBlending may use up to four worker threads of its own, which are joined before it
+ * returns.
  *
  * DIAGNOSTICS. Messages go to the Android log under the tag "IMAGE_BLENDING". On other platforms
  * they go to the program's own function __android_log_print(int priority, const char* tag, const
@@ -159,12 +159,11 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  * the zoomed object is larger than the destination, when the sizes differ, or when memory runs out.
  * Memory: about 4.5 bytes for every pixel of the zoomed rectangle, 3 more when zoom is not 1, one
  * for every pixel of the object's box, 4 more when angle is not 0, and one for every pixel that the
- * rotated object can reach; working rows, 280 of the rectangle's width with threads and 70 without.
+ * rotated object can reach; working rows, 216 of the rectangle's width with threads and 54 without.
  * Where the output shares memory with the icon or, other than pixel for pixel, with the
- * destination, 9 bytes for every pixel of the rectangle come on top. A rectangle whose shorter side
- * is below 16 takes up to 22 bytes a pixel. A call that fails because the zoomed object is too
- * large does not give back the object's mask, nor the rotated object before the next blend without
- * an angle.
+ * destination, 6 bytes for every pixel of the rectangle come on top. A call that fails because the
+ * zoomed object is too large does not give back the object's mask, nor the rotated object before
+ * the next blend without an angle.
  */
 IMAGEBLEND_API int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
                                           const blend_image* mask, blend_image* output,

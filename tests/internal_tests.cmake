@@ -2,6 +2,7 @@
 add_executable(internal_tests
     api/fault_test.cpp
     api/mask_test.cpp
+    api/overlap_test.cpp
     api/plan_test.cpp
     api/rotated_icon_test.cpp
     blend/region_test.cpp

@@ -14,8 +14,9 @@ typedef struct blend_call {
     const blend_image *icon, *destination, *mask, *output;
     object_plan object;
     blend_plan plan;
-    uint8_t* crop;         // the object's box of the mask
-    uint8_t* zoomed_mask;  // the same zoomed; null at zoom 1
+    uint8_t* crop;              // the object's box of the mask
+    uint8_t* zoomed_mask;       // the same zoomed; null at zoom 1
+    blend_image* rotated_icon;  // what is read of the turned icon; null without an angle
 } blend_call;
 
 static void log_frame_sizes(const blend_call* call) {
@@ -62,18 +63,6 @@ static bool prepare_object(blend_call* call, float angle) {
     return done;
 }
 
-// A record for the window of the rotated icon, or null. Its pixels are filled beside the blend.
-static blend_image* alloc_rotated_icon(const pixel_window* window) {
-    blend_image* icon = (blend_image*)malloc(sizeof(blend_image));
-    if (icon == NULL) return NULL;
-    icon->width = (int32_t)max_i64((int64_t)window->x_end - window->x_begin, 0);
-    icon->height = (int32_t)max_i64((int64_t)window->y_end - window->y_begin, 0);
-    icon->data = (uint8_t*)alloc_plane(icon->width, icon->height, 4);
-    if (icon->data != NULL) return icon;
-    free(icon);
-    return NULL;
-}
-
 // The mask of the zoomed box: the crop itself at zoom 1, else resized; null without memory.
 static const uint8_t* zoom_mask(blend_call* call) {
     const blend_box* box = &call->plan.box;
@@ -98,7 +87,7 @@ static int32_t blend_upright(blend_call* call) {
 static int32_t blend_turned(blend_call* call) {
     const uint8_t* mask = zoom_mask(call);
     if (mask == NULL) return -1;
-    const blend_image* icon = g_rotated_icon;
+    const blend_image* icon = call->rotated_icon;
     colour_rotation colours = {call->object.turn, call->icon->data, call->plan.source, icon->data};
     const row_work rotation_work = {rotate_colours, &colours, icon->height,
                                     TURNED_PIXEL_COST * (int64_t)icon->width * icon->height};
@@ -111,20 +100,29 @@ static int32_t blend_turned(blend_call* call) {
     return blend_region(icon, call->destination, mask, call->output, &call->plan.box, fill);
 }
 
+// The window of the turned icon that the blend reads; its pixels are filled beside the blend.
+static bool open_rotated_icon(blend_call* call) {
+    if (!call->object.turned) return true;
+    const pixel_window* w = &call->plan.source;
+    call->rotated_icon = alloc_rotated_icon((int32_t)max_i64((int64_t)w->x_end - w->x_begin, 0),
+                                            (int32_t)max_i64((int64_t)w->y_end - w->y_begin, 0));
+    if (call->rotated_icon == NULL) return false;
+    leave_rotated_icon(NULL);
+    return true;
+}
+
 static int32_t run_blend(blend_call* call, const placement* place, float angle) {
     if (!prepare_object(call, angle)) return -1;
     const blend_plan* plan = &call->plan;
     call->plan = plan_blend(&call->object, place, call->destination);
-    if (call->object.turned) {
-        blend_image* rotated_icon = alloc_rotated_icon(&plan->source);
-        if (rotated_icon == NULL) return -1;
-        g_rotated_icon = rotated_icon;
-    }
+    if (!open_rotated_icon(call)) return -1;
     LOG_LINE(LOG_ERROR, "LLF double check cropsize[%d,%d],maxsize[%d,%d]\n", plan->box.zoom_width,
              plan->box.zoom_height, call->destination->width, call->destination->height);
     if (!plan->fits) {
         LOG_LINE(LOG_ERROR, "LLF double check,Zoom factor is too big, return to zoom = 1\n");
-        // The crop and the rotated icon are kept; a later blend frees or replaces the icon.
+        // The crop and the rotated icon are kept.
+        if (call->rotated_icon != NULL) leave_rotated_icon(call->rotated_icon);
+        call->rotated_icon = NULL;
         call->crop = NULL;
         return -1;
     }
@@ -161,6 +159,7 @@ int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destinati
         return -1;
     }
     const int32_t status = run_blend(&call, &place, angle);
+    free_icon(call.rotated_icon);
     free(call.zoomed_mask);
     free(call.crop);
     if (status == 0) LOG_LINE(LOG_DEBUG, " LLF time_cost_end");

@@ -1,14 +1,23 @@
-// The one piece of process-wide state: the rotated copy of the icon that a blend is working on.
+// The one piece of process-wide state: a rotated icon that a failed blend has left behind.
 #ifndef IMAGEBLEND_BLEND_ROTATED_ICON_H
 #define IMAGEBLEND_BLEND_ROTATED_ICON_H
 
 #include "imageblend.h"
 
-// Set by a blend with an angle, freed and set to null when the blend has run. It outlives a blend
-// that fails because the zoomed object is too large; the next one frees or replaces it.
+// Every blend owns the rotated icon that it works on. One that fails because the zoomed object is
+// too large leaves it here; the next blend that succeeds without an angle frees it, the next with
+// an angle puts what it leaves, an icon or null, in its place. Changed atomically, as blends may
+// run at the same time.
 extern blend_image* g_rotated_icon;
 
-// Frees the record and its pixels, if there is one, and clears the pointer.
+// A record and pixels of its own for a rotated icon, not filled; null without memory.
+blend_image* alloc_rotated_icon(int32_t width, int32_t height);
+void free_icon(blend_image* icon);
+
+// Puts an icon, or null, into the place of what is there.
+void leave_rotated_icon(blend_image* icon);
+
+// Frees what is there, if there is something, and leaves null.
 void free_rotated_icon(void);
 
 #endif

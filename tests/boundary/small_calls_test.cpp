@@ -101,7 +101,7 @@ TEST(Verify, OfLargeBoxes) {
         EXPECT_TRUE(verify_matches(large, 400, 400, 1, angle));
 }
 
-// They may run on any thread beside one blend.
+// They may run on any thread beside a blend.
 TEST(SmallCalls, RunBesideABlend) {
     std::atomic<int> wrong{0};
     std::atomic<bool> stop{false};

@@ -1,5 +1,5 @@
-// A process that blends one job at a time. Blends must not overlap in one process, and one that
-// dies of a damaged picture takes only its own job along.
+// A process that blends one job at a time: one that dies of a damaged picture takes only its own job
+// along.
 #ifndef IMAGEBLEND_TOOLS_BATCH_WORKER_H
 #define IMAGEBLEND_TOOLS_BATCH_WORKER_H
 

@@ -22,8 +22,7 @@ import java.nio.ByteBuffer;
  * and y downwards from the top left pixel; a positive angle (in degrees) turns the object
  * counter-clockwise. An argument that is null or of a wrong size raises IllegalArgumentException.
  *
- * <p>All methods may be called from any thread. Blends of one process run one after the other: a
- * blend that is called during another waits for it.
+ * <p>All methods may be called from any thread, beside any other call.
  */
 public final class ImageBlend {
     /** The object fits with full margins. */
@@ -34,9 +33,6 @@ public final class ImageBlend {
 
     /** The object cannot be placed. */
     public static final int REFUSED = -1;
-
-    // A native library belongs to one class loader, so this lock is the only one of the process.
-    private static final Object BLEND_LOCK = new Object();
 
     static { System.loadLibrary("imageblend_jni"); }
 
@@ -112,11 +108,9 @@ public final class ImageBlend {
         checkFrame("icon", icon, width, height);
         checkFrame("destination", destination, width, height);
         checkFrame("output", output, width, height);
-        synchronized (BLEND_LOCK) {
-            return nativeBlendInts(icon, destination, mask, output, width, height, centerX, centerY,
-                       zoom, angle)
-                == 0;
-        }
+        return nativeBlendInts(icon, destination, mask, output, width, height, centerX, centerY,
+                   zoom, angle)
+            == 0;
     }
 
     /**
@@ -135,11 +129,9 @@ public final class ImageBlend {
         final int destinationOffset = frameOffset("destination", destination, width, height);
         final int outputOffset = frameOffset("output", output, width, height);
         checkWritable("output", output);
-        synchronized (BLEND_LOCK) {
-            return nativeBlendBuffers(icon, iconOffset, destination, destinationOffset, mask,
-                       output, outputOffset, width, height, centerX, centerY, zoom, angle)
-                == 0;
-        }
+        return nativeBlendBuffers(icon, iconOffset, destination, destinationOffset, mask, output,
+                   outputOffset, width, height, centerX, centerY, zoom, angle)
+            == 0;
     }
 
     // Every method checks the mask first, and with it that the frame has pixels.

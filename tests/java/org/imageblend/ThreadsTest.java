@@ -9,8 +9,7 @@ import java.io.IOException;
 import java.io.InputStreamReader;
 import java.nio.ByteBuffer;
 import java.util.Arrays;
-import java.util.Collections;
-import java.util.concurrent.atomic.AtomicBoolean;
+import java.util.Map;
 import java.util.stream.Collectors;
 import java.util.stream.IntStream;
 import org.junit.Test;
@@ -36,9 +35,9 @@ public class ThreadsTest {
         });
     }
 
-    // The log of a process of its own shows that none begins in another.
+    // In a process of its own, which checks the native calls.
     @Test
-    public void blendsDoNotOverlap() throws IOException, InterruptedException {
+    public void blendsMayOverlap() throws IOException, InterruptedException {
         final ProcessBuilder command =
             new ProcessBuilder(new File(System.getProperty("java.home"), "bin/java").getPath(),
                 "-Xcheck:jni", "-Djava.util.concurrent.ForkJoinPool.common.parallelism=4",
@@ -46,51 +45,49 @@ public class ThreadsTest {
                 System.getProperty("java.class.path"), ThreadsTest.class.getName());
         command.environment().put("IMAGEBLEND_LOG", "debug");
         final Process process = command.redirectErrorStream(true).start();
-        final String log;
+        final Map<Boolean, Long> log;
         try (BufferedReader lines =
                  new BufferedReader(new InputStreamReader(process.getInputStream()))) {
             log = lines.lines()
                       .filter(line -> line.contains("time_cost_"))
-                      .map(line -> line.contains("time_cost_start") ? "start" : " end ")
-                      .collect(Collectors.joining());
+                      .collect(Collectors.partitioningBy(
+                          line -> line.contains("time_cost_start"), Collectors.counting()));
         }
-        assertEquals(String.join("", Collections.nCopies(BLENDS, "start end ")), log);
+        assertEquals("blends begun", BLENDS, (long) log.get(true));
+        assertEquals("blends ended", BLENDS, (long) log.get(false));
         assertEquals("a blend gave other pixels", 0, process.waitFor());
     }
 
-    // While the call waits for another blend its output begins and ends elsewhere.
+    // While the call is on its way its output begins and ends elsewhere: it lies whole in one place
+    // or the other, or the buffer was refused between the two moves.
     @Test
     public void buffersThatMoveMeanwhile() throws InterruptedException {
         final int[] expected = new int[PIXELS];
         blend(noise(1), noise(2), expected);
-        final int side = 1000;
-        final int[] other = new int[side * side];
-        final byte[] otherMask = new byte[side * side];
-        Arrays.fill(otherMask, 300 * side, 600 * side, (byte) 255);
-        final AtomicBoolean stop = new AtomicBoolean();
-        final Thread busy = new Thread(() -> {
-            while (!stop.get())
-                ImageBlend.blend(
-                    other, other, otherMask, other, side, side, side / 2, side / 2, 1, 0);
-        });
-        busy.start();
-        for (int i = 0; i < 5; i++) {
+        for (int i = 0; i < 40; i++) {
             final ByteBuffer all = bytes(2 * BYTES);
             final ByteBuffer output = all.duplicate();
             output.limit(BYTES);
-            final Thread caller =
-                new Thread(() -> blend(bytesOf(noise(1)), bytesOf(noise(2)), output));
+            final Thread caller = new Thread(() -> {
+                try {
+                    blend(bytesOf(noise(1)), bytesOf(noise(2)), output);
+                } catch (IllegalArgumentException refused) {
+                    return;
+                }
+            });
             caller.start();
-            while (caller.isAlive() && caller.getState() != Thread.State.BLOCKED)
+            for (int k = 0; k < i * 20; k++)
                 Thread.yield();
             output.limit(2 * BYTES).position(BYTES);
             caller.join();
             final int[] written = new int[2 * PIXELS];
             all.asIntBuffer().get(written);
-            assertArrayEquals(expected, Arrays.copyOf(written, PIXELS));
-            assertArrayEquals(new int[PIXELS], Arrays.copyOfRange(written, PIXELS, 2 * PIXELS));
+            final int[] first = Arrays.copyOf(written, PIXELS);
+            final int[] second = Arrays.copyOfRange(written, PIXELS, 2 * PIXELS);
+            final int[] nothing = new int[PIXELS];
+            assertTrue(Arrays.equals(first, nothing) || Arrays.equals(second, nothing));
+            assertTrue(Arrays.equals(first, nothing) || Arrays.equals(first, expected));
+            assertTrue(Arrays.equals(second, nothing) || Arrays.equals(second, expected));
         }
-        stop.set(true);
-        busy.join();
     }
 }
