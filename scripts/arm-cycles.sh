@@ -10,7 +10,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # As the release build, less what adds no instruction to a loop.
 cd "$work"
-$CXX -std=c++17 -O2 -fno-unroll-loops -fPIC -fno-exceptions -fno-rtti -fno-threadsafe-statics \
+$CXX -std=c++17 -O3 -fno-unroll-loops -fPIC -fno-exceptions -fno-rtti -fno-threadsafe-statics \
     -fno-asynchronous-unwind-tables -I"$root/src" -S \
     "$root"/src/kernels/arm/neon_*.cpp
 python3 "$root/scripts/arm-cycles.py" llvm-mca-19 neon_*.s
