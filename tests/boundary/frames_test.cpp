@@ -62,8 +62,8 @@ TEST(Frames, SizesThatDifferAreRefusedWithOneLine) {
 
 TEST(Frames, WithSidesBelowOneOrOfAnyLengthHaveNoPixel) {
     const int32_t sides[][2] = {
-        {0, 0},  {0, 5},  {5, 0},         {-1, 7},        {7, -1},        {-4, -4},      {-2, 0},
-        {-9, 3}, {1, -1}, {INT32_MIN, 1}, {1, INT32_MIN}, {INT32_MIN, 0}, {0, INT32_MAX}};
+        {0, 0},  {0, 5},  {5, 0},  {-1, 7},        {7, -1},        {-4, -4},       {-50, -60},
+        {-2, 0}, {-9, 3}, {1, -1}, {INT32_MIN, 1}, {1, INT32_MIN}, {INT32_MIN, 0}, {0, INT32_MAX}};
     for (const auto& side : sides) {
         scene s;
         s.icon = s.destination = s.mask = {side[0], side[1], {}};

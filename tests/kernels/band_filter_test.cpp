@@ -121,6 +121,56 @@ TEST(BandFilters, BandsMakeUpALevel) {
     EXPECT_TRUE(support::same_log({}, support::take_log()));
 }
 
+// Pixels that lie apart give what packed ones give, and what is between them stays.
+TEST(BandFilters, PixelsApart) {
+    const extent fine = {23, 40}, coarse = {11, 20};
+    const auto spread = [](const bytes& packed, size_t step) {
+        bytes apart(packed.size() / 3 * step, UNTOUCHED);
+        for (size_t i = 0; i < packed.size(); ++i)
+            apart[i / 3 * step + i % 3] = packed[i];
+        return apart;
+    };
+    for (const kernel run : {ImageReduce_BandC3, ImageExpand_BandC3}) {
+        const bool expands = run == ImageExpand_BandC3;
+        const extent from = expands ? coarse : fine, to = expands ? fine : coarse;
+        for (const auto& [begin, end] : {std::pair(0, 5), std::pair(5, 12), std::pair(12, 20)}) {
+            const band b = band_of(run, fine.height, coarse.height, begin, end);
+            const bytes plane = naive::data(4, plane_bytes({from.width, b.src_rows}, 3), 8);
+            band_call packed(run, plane, from, to, b);
+            run(&packed.task);
+            for (const int32_t step : {4, 5}) {
+                const auto wide = static_cast<size_t>(step);
+                const bytes source = spread(plane, wide);
+                bytes out(plane_bytes({to.width, b.dst_rows}, step), UNTOUCHED);
+                bytes scratch(plane_bytes({to.width, b.src_rows}, step), UNTOUCHED);
+                const pixel_layout layout = {0, step};
+                band_task task = packed.task;
+                task.src = source.data();
+                task.dst = out.data();
+                task.scratch = scratch.data();
+                task.src_geom = task.dst_geom = &layout;
+                EXPECT_EQ(run(&task), 0);
+                EXPECT_EQ(out, spread(packed.dst.content(), wide)) << begin << ", step " << step;
+            }
+        }
+    }
+}
+
+// Row 0 of a first band is there in any case.
+TEST(BandFilters, FirstBandWithoutRows) {
+    const extent fine = {12, 40}, coarse = {6, 20};
+    const bytes plane = naive::data(4, plane_bytes({12, 8}, 3), 9);
+    band_call whole(ImageReduce_BandC3, plane, fine, coarse, {BAND_FIRST, 0, 8, 0, 1});
+    EXPECT_EQ(ImageReduce_BandC3(&whole.task), 0);
+    const bytes row = whole.dst.content();
+    for (const int32_t rows : {0, -2}) {
+        band_call none(ImageReduce_BandC3, plane, fine, coarse, {BAND_FIRST, 0, 8, 0, 1});
+        none.task.dst_rows = rows;
+        EXPECT_EQ(ImageReduce_BandC3(&none.task), 0);
+        EXPECT_TRUE(none.dst.holds(row));
+    }
+}
+
 // The call writes nothing, but for the scratch where that is said, and logs these lines.
 void expect_kept(kernel run, extent from, extent to, const band& b, bool may_fill_scratch = false,
                  const model::log_lines& log = {}) {
