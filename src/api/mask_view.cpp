@@ -21,12 +21,15 @@ static void fetch(const uint8_t* p, intptr_t distance) {
     __builtin_prefetch((const void*)((uintptr_t)p + (uintptr_t)distance));
 }
 
+static uint64_t word_at(const uint8_t* p) {
+    uint64_t word;
+    memcpy(&word, p, sizeof word);
+    return word;
+}
+
 static bool block_is_zero(const uint8_t* p) {
-    uint64_t words[BLOCK / 8], any = 0;
-    memcpy(words, p, BLOCK);
-    for (int i = 0; i < BLOCK / 8; i++)
-        any |= words[i];
-    return any == 0;
+    const uint64_t low = word_at(p) | word_at(p + 8) | word_at(p + 16) | word_at(p + 24);
+    return (low | word_at(p + 32) | word_at(p + 40) | word_at(p + 48) | word_at(p + 56)) == 0;
 }
 
 // The first and the last non-zero sample of `count`; `count` and -1 where there is none.
