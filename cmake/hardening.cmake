@@ -32,10 +32,16 @@ if(IMAGEBLEND_SEPARATE_SYMBOLS)
     target_compile_options(imageblend_flags INTERFACE -g)
 endif()
 
-# Pages of 16 KB serve systems with pages of 4 KB too.
+# Android and 64-bit Arm have pages of up to 16 KB, and such files serve systems with smaller ones too.
+# Elsewhere pages are of 4 KB, and the file is smaller.
+set(largest_page 16384)
+if(NOT ANDROID AND CMAKE_SYSTEM_PROCESSOR MATCHES "x86_64|AMD64")
+    set(largest_page 4096)
+endif()
+
 function(harden_shared_library target)
     target_link_options(${target} PRIVATE
-        -Wl,-z,max-page-size=16384 -Wl,-z,noseparate-code -Wl,-z,relro -Wl,-z,now
+        -Wl,-z,max-page-size=${largest_page} -Wl,-z,noseparate-code -Wl,-z,relro -Wl,-z,now
         -Wl,-z,noexecstack -Wl,--as-needed -Wl,--build-id=sha1
         # A sanitizer's own symbols come from the executable.
         $<$<NOT:$<BOOL:${IMAGEBLEND_SANITIZER_BUILD}>>:-Wl,--no-undefined>)

@@ -29,7 +29,10 @@ is soname "$(tag SONAME)" 'libimageblend\.so'
 is 'needed libraries' "$(tag NEEDED)" 'libm\.so\.6 libc\.so\.6( ld-linux-aarch64\.so\.1)?'
 
 segments=$("$readelf" --wide --segments "$library")
-is alignments "$(awk '$1 == "LOAD" { print $NF }' <<<"$segments" | sort -u | paste -sd' ')" 0x4000
+# Android and 64-bit Arm may have pages of 16 KB.
+page=0x4000
+if grep -q 'Machine: *Advanced Micro Devices X86-64' <<<"$header"; then page=0x1000; fi
+is alignments "$(awk '$1 == "LOAD" { print $NF }' <<<"$segments" | sort -u | paste -sd' ')" $page
 
 # Indirect branches and return addresses are protected only if every function agreed to it.
 if grep -q 'Machine: *AArch64' <<<"$header"; then
