@@ -86,10 +86,12 @@ typedef struct imageblend_findings {
  * Finds the part of the picture that imageblend_clean works on: the object's box with room for a
  * moving outline and for the colours around it, inside the picture.
  *
+ * Beside a mask no pixel of the picture is read.
+ *
  * Returns 0; `box` has a width of 0 when no alpha is above 0, which is no failure.
  * Memory: none.
  */
-int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* box);
+IMAGEBLEND_API int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* box);
 
 /*
  * Makes the object as a picture of its own.
@@ -111,9 +113,10 @@ int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* bo
  * Memory while it runs: 11 bytes for each pixel of the box, or 17 where softness stays in a picture
  * that shows what is around the object; and 16 KB and 16 bytes for each of its columns and rows.
  */
-int32_t imageblend_clean(const imageblend_source* source, const imageblend_clean_options* options,
-                         const imageblend_box* box, blend_image* object,
-                         imageblend_findings* findings);
+IMAGEBLEND_API int32_t imageblend_clean(const imageblend_source* source,
+                                        const imageblend_clean_options* options,
+                                        const imageblend_box* box, blend_image* object,
+                                        imageblend_findings* findings);
 
 /* Surroundings as wide as they match, IMAGEBLEND_SURROUNDINGS_WIDEST at most. */
 #define IMAGEBLEND_SURROUNDINGS_AUTO (-1)
@@ -150,8 +153,8 @@ typedef struct imageblend_frames {
  * destination. There is nothing to lay then.
  * Memory: none.
  */
-int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t height,
-                         imageblend_frames* frames);
+IMAGEBLEND_API int32_t imageblend_place(const imageblend_layer* layer, int32_t width,
+                                        int32_t height, imageblend_frames* frames);
 
 /*
  * Fills the frames. The icon frame is the object over its surroundings over the destination, as
@@ -167,8 +170,8 @@ int32_t imageblend_place(const imageblend_layer* layer, int32_t width, int32_t h
  * Memory while it runs: 5 bytes for each pixel of the frames and 24 KB if `surroundings` is set and
  * `reach` is not 0, else none.
  */
-int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
-                       const imageblend_frames* frames, int32_t* reach);
+IMAGEBLEND_API int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
+                                      const imageblend_frames* frames, int32_t* reach);
 
 /*
  * Puts the blended frame back. Pixels of `output` that have nothing of the object or its
@@ -181,8 +184,8 @@ int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destina
  *
  * Memory: none.
  */
-int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* blended,
-                          blend_image* output);
+IMAGEBLEND_API int32_t imageblend_finish(const imageblend_frames* frames,
+                                         const blend_image* blended, blend_image* output);
 
 /*
  * imageblend_place, imageblend_lay, vorn_imageBlending and imageblend_finish in one call.
@@ -194,7 +197,8 @@ int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* bl
  * Memory while it runs: 9 bytes for each pixel of the frames, and that of imageblend_lay or of the
  * blend, whichever is more.
  */
-int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture, int32_t* reach);
+IMAGEBLEND_API int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture,
+                                        int32_t* reach);
 
 #ifdef __cplusplus
 }

@@ -44,4 +44,4 @@ need_packages() {
 
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libvips-tools parallel procps imagemagick openjdk-17-jdk-headless junit4
-    python3 binutils strace dpkg-dev file openssh-client openssh-server)
+    python3 python3-numpy python3-pil binutils strace dpkg-dev file openssh-client openssh-server)
