@@ -1,6 +1,7 @@
 # Installs what was built: the library with a CMake package and a pkg-config file, the command line,
-# the Java class. What was not built is left out, so every file of a target is optional.
-# The components are library, development, tool and java.
+# the Java class, the Python module. What was not built is left out, so every file of a target is
+# optional.
+# The components are library, development, tool, java and python.
 include(CMakePackageConfigHelpers)
 include(GNUInstallDirs)
 set(cmake_dir ${CMAKE_INSTALL_LIBDIR}/cmake/imageblend)
@@ -70,4 +71,15 @@ if(TARGET imageblend_java)
     get_target_property(jar imageblend_java JAR_FILE)
     install(FILES ${jar} DESTINATION ${CMAKE_INSTALL_DATADIR}/java COMPONENT java OPTIONAL)
     install_licence(java libimageblend-java)
+endif()
+# The module finds the library beside itself. Debian's Python looks into this folder of /usr; of
+# another prefix PYTHONPATH names it.
+set(IMAGEBLEND_PYTHON_DIR lib/python3/dist-packages CACHE STRING "Where the Python module goes")
+mark_as_advanced(IMAGEBLEND_PYTHON_DIR)
+if(TARGET imageblend_python)
+    install(TARGETS imageblend_python OPTIONAL
+            LIBRARY DESTINATION ${IMAGEBLEND_PYTHON_DIR} COMPONENT python)
+    install(FILES $<TARGET_FILE_DIR:imageblend_python>/imageblend.py OPTIONAL
+            DESTINATION ${IMAGEBLEND_PYTHON_DIR} COMPONENT python)
+    install_licence(python python3-imageblend)
 endif()

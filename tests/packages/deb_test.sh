@@ -16,7 +16,7 @@ mkdir "$work/bin"
 ln -s "$(command -v true)" "$work/bin/ldconfig"
 PATH=$work/bin:$PATH quietly dpkg --root="$system" --log=/dev/null --force-not-root \
     --force-script-chrootless --force-depends --force-bad-path -i "$work"/packages/*.deb
-for package in libimageblend libimageblend-dev imageblend; do
+for package in libimageblend libimageblend-dev imageblend python3-imageblend; do
     dpkg-query --admindir="$system/var/lib/dpkg" -W -f='${Status}' "$package" 2>&1 |
         grep -qx 'install ok installed' || fail "$package was not installed"
     cmp "$root/LICENSE" "$system/usr/share/doc/$package/LICENSE"
@@ -29,4 +29,6 @@ quietly "$CC" "$example/blend.c" -o "$work/blend" -I"$system/usr/include" -L"$li
 blends env LD_LIBRARY_PATH="$libraries" "$work/blend"
 quietly "$system/usr/bin/imageblend" blend "$root/examples/vase.jpg" "$root/examples/dunes.jpg" \
     "$work/blended.jpg" --mask "$root/examples/vase-mask.png" --at 640,535 --zoom 0.75
+modules=$system/usr/lib/python3/dist-packages
+[ -e "$modules/imageblend.py" ] && [ -e "$modules/libimageblend_full.so" ] || fail "no Python module"
 [ -s "$work/blended.jpg" ] || fail "the installed command line wrote nothing"

@@ -61,9 +61,16 @@ target_link_libraries(main PRIVATE imageblend::imageblend_prepare)\n' >"$work/pr
     quietly env LD_LIBRARY_PATH="$libraries" "$work/prepared"
 fi
 
+# The Python module and its library stand together.
+module=$(find "$prefix" -name imageblend.py)
+if [ -n "$module" ] && /usr/bin/python3 -c 'import numpy' 2>/dev/null; then
+    quietly env -u IMAGEBLEND_LIBRARY PYTHONPATH="${module%/*}" /usr/bin/python3 -c 'import imageblend'
+fi
+
 # What was not built is not installed.
 quietly "$cmake" -S "$root" -B "$work/subset" -DCMAKE_BUILD_TYPE=Debug
 quietly "$cmake" --build "$work/subset" --target imageblend -j 2
 quietly "$cmake" --install "$work/subset" --prefix "$work/part"
 [ -n "$(find "$work/part" -name libimageblend.so)" ] || fail "the library alone was not installed"
 [ -z "$(find "$work/part" -name 'imageblend' -type f -perm -u+x)" ] || fail "a program came from nowhere"
+[ -z "$(find "$work/part" -name 'imageblend.py')" ] || fail "the Python module came from nowhere"
