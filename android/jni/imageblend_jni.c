@@ -6,20 +6,11 @@
 
 #include "imageblend.h"
 #include "pixels.h"
+#include "prepare.h"
 
 typedef struct size_2d {
     int32_t width, height;
 } size_2d;
-
-// A direct buffer's bytes from an offset on.
-static uint8_t* bytes_of(JNIEnv* env, jobject buffer, jint offset) {
-    return (uint8_t*)(*env)->GetDirectBufferAddress(env, buffer) + offset;
-}
-
-static blend_image image_of(jint width, jint height, uint8_t* data) {
-    const blend_image image = {width, height, data};
-    return image;
-}
 
 static size_2d size_of_icon(const blend_image* mask) {
     size_2d size = {0, 0};
@@ -32,17 +23,6 @@ static jintArray size_result(JNIEnv* env, size_2d size) {
     const jintArray result = (*env)->NewIntArray(env, 2);
     if (result != NULL) (*env)->SetIntArrayRegion(env, result, 0, 2, values);
     return result;
-}
-
-// Tells whether two ranges of `a_bytes` and `b_bytes` share memory.
-static int ranges_overlap(const uint8_t* a, size_t a_bytes, const uint8_t* b, size_t b_bytes) {
-    return (uintptr_t)a < (uintptr_t)b + b_bytes && (uintptr_t)b < (uintptr_t)a + a_bytes;
-}
-
-static void throw_overlap(JNIEnv* env, const char* name, const uint8_t* a, const char* other,
-                          const uint8_t* b) {
-    throw_java(env, "java/lang/IllegalArgumentException", "%s at address %p overlaps %s at %p",
-               name, (const void*)a, other, (const void*)b);
 }
 
 static jintArray icon_size(JNIEnv* env, jclass type, jbyteArray mask, jint width, jint height) {
@@ -235,6 +215,9 @@ JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void* reserved) {
         method("nativeBlendInts", "([I[I[B[IIIIIFF)I", (function*)blend_ints),
         method("nativeBlendBuffers", "(" BUFFER "I" BUFFER "I[B" BUFFER "IIIIIFF)I",
                (function*)blend_buffers),
+        method("nativePrepareBox", "(" BUFFER "I[BII)[I", (function*)prepare_box),
+        method("nativePrepare", "(" BUFFER "I[BIIZF" BUFFER "II)[I", (function*)prepare_object),
+        method("nativePaste", "(" BUFFER "III" BUFFER "IIIII)Z", (function*)paste_object),
     };
     JNIEnv* env = NULL;
     if ((*vm)->GetEnv(vm, (void**)&env, JNI_VERSION_1_6) != JNI_OK) return JNI_ERR;

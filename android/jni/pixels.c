@@ -29,6 +29,25 @@ uint8_t* alloc_frame(JNIEnv* env, jsize count, size_t item_bytes) {
     return frame;
 }
 
+uint8_t* bytes_of(JNIEnv* env, jobject buffer, jint offset) {
+    return (uint8_t*)(*env)->GetDirectBufferAddress(env, buffer) + offset;
+}
+
+blend_image image_of(jint width, jint height, uint8_t* data) {
+    const blend_image image = {width, height, data};
+    return image;
+}
+
+int ranges_overlap(const uint8_t* a, size_t a_bytes, const uint8_t* b, size_t b_bytes) {
+    return (uintptr_t)a < (uintptr_t)b + b_bytes && (uintptr_t)b < (uintptr_t)a + a_bytes;
+}
+
+void throw_overlap(JNIEnv* env, const char* name, const uint8_t* a, const char* other,
+                   const uint8_t* b) {
+    throw_java(env, "java/lang/IllegalArgumentException", "%s at address %p overlaps %s at %p",
+               name, (const void*)a, other, (const void*)b);
+}
+
 uint8_t* copy_mask(JNIEnv* env, jbyteArray mask, jsize count) {
     uint8_t* copy = alloc_frame(env, count, 1);
     if (copy != NULL) (*env)->GetByteArrayRegion(env, mask, 0, count, (jbyte*)copy);

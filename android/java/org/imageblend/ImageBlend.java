@@ -18,9 +18,10 @@ import java.nio.ByteBuffer;
  * </ul>
  *
  * <p>The mask has one byte a pixel: 0 is outside the object, anything else inside, 255 shows the
- * object alone. Alpha is never read. Frames have exactly width * height pixels. x runs to the right
- * and y downwards from the top left pixel; a positive angle (in degrees) turns the object
- * counter-clockwise. An argument that is null or of a wrong size raises IllegalArgumentException.
+ * object alone. Alpha is never read, except by {@link #prepare} and {@link #paste}. Frames have
+ * exactly width * height pixels. x runs to the right and y downwards from the top left pixel; a
+ * positive angle (in degrees) turns the object counter-clockwise. An argument that is null or of a
+ * wrong size raises IllegalArgumentException.
  *
  * <p>All methods may be called from any thread, beside any other call.
  */
@@ -134,11 +135,90 @@ public final class ImageBlend {
             == 0;
     }
 
-    // Every method checks the mask first, and with it that the frame has pixels.
-    private static void checkMask(byte[] mask, int width, int height) {
+    /**
+     * Finds the part of a picture that {@link #prepare} makes the object from: the object with some
+     * room around it.
+     *
+     * @param source direct buffer
+     * @param mask null: the alpha of {@code source} is the mask
+     * @return {left, top, width, height}; the width is 0 when there is no object
+     */
+    public static int[] prepareBox(ByteBuffer source, byte[] mask, int width, int height) {
+        checkOptionalMask(mask, width, height);
+        final int offset = frameOffset("source", source, width, height);
+        return nativePrepareBox(source, offset, mask, width, height);
+    }
+
+    /**
+     * Makes the object ready to be pasted: a picture of its own with soft alpha, with its outline
+     * where {@code source} shows it and with colours that nothing of its old surroundings is left
+     * in. Alpha is read and written here, colours are not multiplied by it; those of a source that
+     * are, as cut-outs often have them, are divided. The object may be scaled and turned before it
+     * is pasted, with its colours weighed by alpha, as Android's Canvas does it.
+     *
+     * @param source direct buffer
+     * @param mask null: the alpha of {@code source} is the mask. Values between 0 and 255 are
+     *     partly inside
+     * @param fit the outline may be moved to where the colours of {@code source} change
+     * @param grow then it moves outwards by so many pixels, inwards when negative; -16 to 16
+     * @param object direct buffer, receives the pixels from its position on; may be larger than
+     *     needed, must not overlap {@code source}
+     * @return where they lie in {@code source}, as {@link #prepareBox} gives it; nothing is written
+     *     when there is no object
+     */
+    public static int[] prepare(ByteBuffer source, byte[] mask, int width, int height, boolean fit,
+        float grow, ByteBuffer object) {
+        checkOptionalMask(mask, width, height);
+        final int sourceOffset = frameOffset("source", source, width, height);
+        if (!(Math.abs(grow) <= 16))
+            throw new IllegalArgumentException("grow is " + grow + ", must be -16 .. 16");
+        if (object == null) throw nullArgument("object", "a direct buffer for the object's pixels");
+        checkDirect("object", object);
+        checkWritable("object", object);
+        final int objectOffset = object.position();
+        final int objectBytes = object.limit() - objectOffset;
+        return nativePrepare(source, sourceOffset, mask, width, height, fit, grow, object,
+            objectOffset, objectBytes);
+    }
+
+    /**
+     * Pastes a prepared object into a picture, so that no edge shows and nothing but the object
+     * changes. It may lie across the picture's border and be larger than the picture.
+     *
+     * @param object direct buffer with exactly objectWidth * objectHeight pixels
+     * @param picture direct buffer, in which the object appears; must not overlap {@code object}. A
+     *     pixel's alpha becomes that of both
+     * @param left where the object's top left pixel stands in the picture
+     * @return false when nothing of the object lies in the picture, which is untouched then
+     */
+    public static boolean paste(ByteBuffer object, int objectWidth, int objectHeight,
+        ByteBuffer picture, int width, int height, int left, int top) {
+        checkSides(objectWidth, objectHeight);
+        checkSides(width, height);
+        final int objectOffset = frameOffset("object", object, objectWidth, objectHeight);
+        final int pictureOffset = frameOffset("picture", picture, width, height);
+        checkWritable("picture", picture);
+        return nativePaste(object, objectOffset, objectWidth, objectHeight, picture, pictureOffset,
+            width, height, left, top);
+    }
+
+    private static void checkOptionalMask(byte[] mask, int width, int height) {
+        if (mask == null) {
+            checkSides(width, height);
+        } else {
+            checkMask(mask, width, height);
+        }
+    }
+
+    private static void checkSides(int width, int height) {
         if (width < 1) throw new IllegalArgumentException("width is " + width + ", must be >= 1");
         if (height < 1)
             throw new IllegalArgumentException("height is " + height + ", must be >= 1");
+    }
+
+    // Every method checks the mask first, and with it that the frame has pixels.
+    private static void checkMask(byte[] mask, int width, int height) {
+        checkSides(width, height);
         final String needs = frameOf("bytes", 1, width, height);
         if (mask == null) throw nullArgument("mask", needs);
         checkLength("mask", mask.length, "bytes", (long) width * height, needs);
@@ -204,4 +284,15 @@ public final class ImageBlend {
     private static native int nativeBlendBuffers(ByteBuffer icon, int iconOffset,
         ByteBuffer destination, int destinationOffset, byte[] mask, ByteBuffer output,
         int outputOffset, int width, int height, int centerX, int centerY, float zoom, float angle);
+
+    private static native int[] nativePrepareBox(
+        ByteBuffer source, int sourceOffset, byte[] mask, int width, int height);
+
+    private static native int[] nativePrepare(ByteBuffer source, int sourceOffset, byte[] mask,
+        int width, int height, boolean fit, float grow, ByteBuffer object, int objectOffset,
+        int objectBytes);
+
+    private static native boolean nativePaste(ByteBuffer object, int objectOffset, int objectWidth,
+        int objectHeight, ByteBuffer picture, int pictureOffset, int width, int height, int left,
+        int top);
 }
