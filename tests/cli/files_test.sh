@@ -155,6 +155,13 @@ masks() {
     done
     run 0 size half32896.png && [ "$(cat out)" = "120 80" ] || fail "16-bit alpha"
     run 65 size half32500.png
+
+    # What lossy compression leaves is no part of the object, and makes no hard outline soft.
+    vips copy bar.png 'bar.jpg[Q=50]' && vips copy bar.jpg noisy.png
+    run 0 blend red.png black.png o.png --mask bar.png
+    for mask in bar.jpg noisy.png; do
+        run 0 blend red.png black.png o2.png --mask $mask && cmp -s o.png o2.png || fail "noise"
+    done
 }
 
 streams() {

@@ -1,6 +1,7 @@
 #include "pictures/clean_object.h"
 
 #include "pictures/errors.h"
+#include "pictures/mask_noise.h"
 
 namespace tool {
 namespace {
@@ -17,7 +18,8 @@ using vips::VImage;
 CleanObject clean_object(const Object& object, const CleanArguments& arguments) {
     const Frame picture = colour_frame(object.picture);
     const blend_image picture_record = picture.record();
-    const blend_image mask = mask_record(object.mask);
+    const VImage given = object.own_alpha ? object.mask : without_noise(object.mask);
+    const blend_image mask = mask_record(given);
     const imageblend_source source{&picture_record, object.own_alpha ? nullptr : &mask};
     const imageblend_clean_options options{arguments.fit ? 1 : 0,
                                            static_cast<float>(arguments.grow)};
