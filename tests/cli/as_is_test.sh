@@ -58,7 +58,9 @@ sizes() {
 verdicts() {
     local verify=(verify white.png black.png --mask bar.png --as-is)
     run 0 "${verify[@]}" && prints "fits with full margins"
+    silent
     run 1 "${verify[@]}" --at 60,200 && prints "seam at the left"
+    says "seam may show at the left" && says "black.png: the object is moved inwards by 9 pixels"
     run 1 "${verify[@]}" --at 599,0 && prints "seam at the right and top"
     run 1 "${verify[@]}" --at 300,399 && prints "seam at the bottom"
 }

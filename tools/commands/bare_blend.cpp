@@ -127,6 +127,7 @@ std::string moves_text(const BareBlend& blend) {
 }
 
 void warn_of_placement(const BlendJob& job, const BareBlend& blend) {
+    const std::string& name = job.output.empty() ? job.destination : job.output;
     if (blend.framed.scale != 1.0) {
         warn(job.object.source + ": the object (" + text(find_box_size(blend.object.mask)) +
              ") does not lie in a frame of the destination's size (" + text(blend.framed.frame) +
@@ -135,14 +136,14 @@ void warn_of_placement(const BlendJob& job, const BareBlend& blend) {
     }
     const std::vector<std::string> seams = seams_of(blend);
     if (!seams.empty()) {
-        warn(job.output + ": a seam may show at the " + list(seams) +
+        warn(name + ": a seam may show at the " + list(seams) +
              ": the object is too near to the border there");
     }
     if (!blend.plan->check.fits) {
-        warn(job.output + ": the turned object nearly fills the destination: a seam may show");
+        warn(name + ": the turned object nearly fills the destination: a seam may show");
     }
     const std::string moves = moves_text(blend);
-    if (!moves.empty()) warn(job.output + ": the object is moved inwards by " + moves);
+    if (!moves.empty()) warn(name + ": the object is moved inwards by " + moves);
 }
 
 void blend_bare(const BareBlend& blend, const Frame& icon, const Frame& destination,

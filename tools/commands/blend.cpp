@@ -22,8 +22,7 @@ VImage blend_as_is(const BlendJob& job, const Photo& photo, BlendResult& result)
 VImage blend_after_preparation(const BlendJob& job, const Photo& photo, BlendResult& result) {
     PreparedBlend blend = prepare_blend(job, photo);
     blend_prepared(blend);
-    for (const std::string& remark : remarks(blend))
-        warn(job.output + ": " + remark);
+    warn_of_object(blend);
     result = {blend.placement.at, verdict_text(blend)};
     return blended_picture(blend, photo.pixels);
 }

@@ -82,8 +82,7 @@ VImage explain_prepared(const BlendJob& job, const std::string& dump_folder) {
     const imageblend_frames& frames = blend.frames.records;
     const Frame destination = copy_frame(blend.frames.destination, 4);
     blend_prepared(blend);
-    for (const std::string& remark : remarks(blend))
-        warn(job.output + ": " + remark);
+    warn_of_object(blend);
 
     const BlendStages stages =
         stages_of({blend.frames.icon, blend.frames.mask, destination, blend.frames.destination,

@@ -97,17 +97,16 @@ std::string verdict_text(const PreparedBlend& blend) {
     return "fits, cut off at the " + list(blend.layer.cut);
 }
 
-std::vector<std::string> remarks(const PreparedBlend& blend) {
-    std::vector<std::string> found;
+void warn_of_object(const PreparedBlend& blend) {
     if (blend.clean.findings.fit == IMAGEBLEND_FIT_BEYOND) {
-        found.emplace_back(
-            "the outline is drawn loosely, with no edge of the picture near it: it is taken as "
-            "drawn");
+        warn(blend.object.mask_name +
+             ": the outline is drawn loosely, with no edge of the picture near it: it is taken as "
+             "drawn");
     }
     if (blend.lacks_surroundings) {
-        found.emplace_back("the source shows nothing around the object that could come along");
+        warn(blend.object.mask_name +
+             ": the source shows nothing around the object that could come along");
     }
-    return found;
 }
 
 }  // namespace tool

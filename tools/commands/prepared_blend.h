@@ -3,7 +3,6 @@
 #define IMAGEBLEND_TOOLS_COMMANDS_PREPARED_BLEND_H
 
 #include <string>
-#include <vector>
 
 #include "commands/commands.h"
 #include "pictures/layer.h"
@@ -41,8 +40,8 @@ vips::VImage blended_picture(const PreparedBlend& blend, const vips::VImage& des
 // "fits", or also where it is cut off.
 std::string verdict_text(const PreparedBlend& blend);
 
-// What is worth knowing of the mask, a sentence each, without the name of a file.
-std::vector<std::string> remarks(const PreparedBlend& blend);
+// Warnings about the outline and the surroundings.
+void warn_of_object(const PreparedBlend& blend);
 
 }  // namespace tool
 

@@ -7,14 +7,17 @@ namespace tool {
 namespace {
 
 Exit verify_as_is(const BlendJob& job) {
-    const Size destination = picture_size(job.destination);
-    const BareBlend blend = plan_bare_blend(load_object(job.object, Wanted::mask),
-                                            place(job.placement, destination), destination);
+    const Photo photo = load_destination(job.destination);
+    const Size destination = size_of(photo.pixels);
+    const BareBlend blend =
+        plan_bare_blend(load_object(job.object, Wanted::mask_and_picture, photo),
+                        place(job.placement, destination), destination);
     if (!blend.plan->check.fits) {
         std::printf("%s: the largest zoom that fits is %s\n", verdict_text(blend).c_str(),
                     largest_zoom(blend).c_str());
         return Exit::cannot_place;
     }
+    warn_of_placement(job, blend);
     std::puts(verdict_text(blend).c_str());
     return seams_of(blend).empty() ? Exit::success : Exit::seams;
 }
@@ -24,8 +27,7 @@ Exit verify_as_is(const BlendJob& job) {
 Exit run_verify(const BlendJob& job) {
     if (job.as_is) return verify_as_is(job);
     const PreparedBlend blend = prepare_blend(job, load_destination(job.destination));
-    for (const std::string& remark : remarks(blend))
-        warn(remark);
+    warn_of_object(blend);
     std::puts(verdict_text(blend).c_str());
     return blend.layer.cut.empty() ? Exit::success : Exit::seams;
 }
