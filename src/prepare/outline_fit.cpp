@@ -110,6 +110,9 @@ static outline_fit read_profile(const profile* from) {
     }
     outline_fit fit = {IMAGEBLEND_FIT_UNCLEAR, 0.0f};
     if (!stands_out(from, best)) return fit;
+    // An object that grows by more than it is deep is another one that lies around it.
+    const int outwards = FIT_REACH - best;
+    if (outwards > 0 && from->weight[FIT_REACH + outwards - 1] == 0.0f) return fit;
     fit.status = IMAGEBLEND_FIT_BEYOND;
     if (best == 0 || best == TRIED - 1) return fit;
     const float before = mean[best - 1], behind = mean[best + 1];

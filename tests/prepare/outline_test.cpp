@@ -136,6 +136,9 @@ TEST(OutlineFit, TakesLooseOutlinesAsDrawn) {
         EXPECT_EQ(made.findings.moved, 0);
         EXPECT_LT(alpha_error(made, drawn), 128);
     }
+    // A dot on a disc is not the disc.
+    picture dot = hard(coverage(176, 176, disc(88, 88, 2)));
+    EXPECT_EQ(clean(photo(disc(88, 88, 9), 6), &dot).findings.moved, 0);
     // Nothing but noise to see.
     for (uint64_t seed = 1; seed <= 20; ++seed) {
         picture mask = hard(coverage(176, 176, object));
