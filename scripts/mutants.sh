@@ -18,29 +18,37 @@ shift $((OPTIND - 1))
 [ $# -gt 0 ] || set -- src tools
 need_packages "${build_packages[@]}" "${test_packages[@]}"
 
-work=$root/build-mutants
+work=$root/build-mutants/${1//\//-}
 rm -rf "$work"
 mkdir -p "$work/tree"
 git -C "$root" archive HEAD | tar -x -C "$work/tree"
-export IMAGEBLEND_TEST_CALLS=${IMAGEBLEND_TEST_CALLS:-200} IMAGEBLEND_BATCH_JOBS=100
+export IMAGEBLEND_BATCH_JOBS=60 IMAGEBLEND_SIGNAL_RUNS=6 IMAGEBLEND_STOP_AT_FAILURE=1
 cmake -S "$work/tree" -B "$work/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_JAVA=OFF \
     -DIMAGEBLEND_BUILD_BENCH=OFF >"$work/log"
 
 # cover FILE: what is built and which tests run for a fault in it.
 cover() {
-    targets=(all) tests=()
+    tests=(--test-dir "$work/build/tests")
     case $1 in
-        tools/batch*) tests=(-R '^cli_batch(_stop)?$') ;;
-        tools/explain*) tests=(-R '^cli_explain$') ;;
-        tools*) tests=(-R '^cli' -E machines) ;;
-        src/*) tests=(-E '^(cli|readme|install|elf)') ;;
+        tools/batch*) tests+=(-R '^cli_(batch|batch_stop)$') ;;
+        tools/explain*) tests+=(-R '^cli_explain$') ;;
+        tools*) tests+=(-R '^cli_' -E 'machines|batch_stop') ;;
+        src/prepare*) tests=(--test-dir "$work/build/tests/prepare") ;;
+        src/bmp*) tests=(--test-dir "$work/build/tests/bmp") ;;
+        src/*) tests+=(-E '^cli|^readme|^elf|^hardening|NOT_BUILT') ;;
+        src) tests+=(-E '^cli|^readme|^elf|^hardening') ;;
     esac
-    case $1 in tools*) targets=(imageblend_tool) ;; esac
+    case $1 in
+        tools*) targets=(imageblend_tool) ;;
+        src/prepare*) targets=(prepare_tests) ;;
+        src/bmp*) targets=(bmp_tests) ;;
+        src/*) targets=(internal_tests boundary_tests) ;;
+        src) targets=(internal_tests boundary_tests prepare_tests bmp_tests) ;;
+    esac
 }
 builds() { timeout 600 cmake --build "$work/build" -j "$(nproc)" --target "${targets[@]}" >>"$work/log" 2>&1; }
 passes() {
-    timeout "$seconds" ctest --test-dir "$work/build" --stop-on-failure -j "$(nproc)" "${tests[@]}" \
-        >>"$work/log" 2>&1
+    timeout "$seconds" ctest "${tests[@]}" --stop-on-failure -j "$(nproc)" >>"$work/log" 2>&1
 }
 
 for folder in "$@"; do

@@ -1,5 +1,6 @@
 # shellcheck shell=bash
 # Sourced by the tests of the command line: $tool is the command, the test runs in a new folder.
+# With IMAGEBLEND_STOP_AT_FAILURE, it ends with its first failure.
 set -u
 tool=$(realpath "$1")
 work=$(mktemp -d)
@@ -14,6 +15,7 @@ fail() {
     echo "FAILED: $*: $last"
     [ -s err ] && tail -n 20 err | sed 's/^/    stderr: /'
     failures=$((failures + 1))
+    [ -z "${IMAGEBLEND_STOP_AT_FAILURE-}" ] || exit 1
 }
 
 # run STATUS ARGUMENT...: standard output goes to `out`, standard error to `err`.
