@@ -22,7 +22,7 @@ work=$root/build-mutants/${1//\//-}
 rm -rf "$work"
 mkdir -p "$work/tree"
 git -C "$root" archive HEAD | tar -x -C "$work/tree"
-export IMAGEBLEND_BATCH_JOBS=60 IMAGEBLEND_SIGNAL_RUNS=6 IMAGEBLEND_STOP_AT_FAILURE=1
+export IMAGEBLEND_SIGNAL_RUNS=6 IMAGEBLEND_STOP_AT_FAILURE=1
 cmake -S "$work/tree" -B "$work/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_JAVA=OFF \
     -DIMAGEBLEND_BUILD_BENCH=OFF >"$work/log"
 

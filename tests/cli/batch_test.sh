@@ -17,8 +17,8 @@ lines() {
 {"source": "-", "destination": "black.png", "output": "c.png"} => source: standard streams hold no pictures
 {@, "output": ".png[compression=1]"} => output: standard streams hold no pictures
 {@, "output": "d.png", "at": [1, 2.5]} => at: must be two whole numbers
-{@, "output": "d.png", "at": [1, 2147483648]} => at: 2147483648: must be a whole number of pixels
-{@, "output": "d.png", "at": [-2147483649, 1]} => at: -2147483649: must be a whole number of pixels
+{@, "output": "d.png", "at": [1, 1000000001]} => at: 1000000001: must be a whole number of pixels
+{@, "output": "d.png", "at": [-1000000001, 1]} => at: -1000000001: must be a whole number of pixels
 {@, "output": "d.png", "at": [1]} => at: must be two whole numbers
 {@, "output": "e.png", "zoom": -1} => zoom -1: must be
 {@, "output": "f.png", "soft": "yes"} => soft: must be true or false

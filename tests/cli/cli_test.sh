@@ -24,7 +24,7 @@ arguments() {
     run 64 blendd white.png && says "blendd: no such command; there are blend verify"
     run 64 blend white.png black.png
     for bad in "--zoom nan" "--zoom inf" "--zoom 0" "--zoom -1" "--zoom 1e60" "--zoom 1e-60" \
-        "--angle nan" "--at 5" "--at 1,2,3" "--at 1,x" "--at 1.5,2" "--at 1%,nan%" "--at 99999999999,1"; do
+        "--angle nan" "--at 5" "--at 1,2,3" "--at 1,x" "--at 1.5,2" "--at 1%,nan%" "--at 1000000001,1"; do
         run 64 blend white.png black.png o.png --mask bar.png $bad && says "${bad%% *}"
     done
     run 64 blend white.png black.png o.xyz --mask bar.png && says "o.xyz"
@@ -127,7 +127,7 @@ borders() {
     run 0 "${blend[@]}" --at 100%,100% --anchor bottom && box_is o.png 0 540 340 60 60
     flat dot.png 2 2 0 3
     run 0 blend white.png dot.png o.png --mask bar.png && at_least o.png 254
-    for bad in "--zoom 0.001" "--at 5300,200" "--at 300,-90 --angle 10"; do
+    for bad in "--zoom 0.001" "--at 5300,200" "--at 1000000000,9" "--at 300,-90 --angle 10"; do
         rm -f o.png; run 2 "${blend[@]}" $bad && says "${bad%% *}"
         [ ! -e o.png ] || fail "an output without the object"
         run 2 verify white.png black.png --mask bar.png $bad
