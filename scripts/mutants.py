@@ -1,9 +1,11 @@
-"""mutants.py LIST TREE SEED COUNT FOLDER...: prints COUNT faults, drawn by SEED.
+"""mutants.py LIST TREE BUILD SEED COUNT FOLDER...: prints COUNT faults, drawn by SEED.
 
 LIST has a regular expression and its replacement a line, with a tab between them. A fault is a
-match of one of them in a line of code in a FOLDER of TREE. Printed are its file, the number of its
+match of one of them in a line of code in a FOLDER of TREE, where folders of other architectures,
+of which BUILD compiles nothing, are left out. Printed are its file, the number of its
 line, counted from 1, and the line with the fault, with tabs between them.
 """
+import json
 import pathlib
 import random
 import re
@@ -25,13 +27,21 @@ def faults_of(path, rules):
                 yield number, line[:match.start()] + match.expand(replacement) + line[match.end():]
 
 
-def main(rule_file, tree, seed, count, *folders):
+def foreign_folders(tree, build):
+    """Folders with code of which nothing is compiled."""
+    commands = json.loads(pathlib.Path(build, "compile_commands.json").read_text())
+    compiled = {pathlib.Path(command["file"]).resolve().parent for command in commands}
+    return {path.parent.resolve() for path in pathlib.Path(tree).rglob("*.cpp")} - compiled
+
+
+def main(rule_file, tree, build, seed, count, *folders):
     rules = [line.split("\t") for line in pathlib.Path(rule_file).read_text().splitlines()
              if not line.startswith("#")]
+    foreign = foreign_folders(tree, build)
     faults = []
     for folder in folders:
         for path in sorted(pathlib.Path(tree, folder).rglob("*.*")):
-            if path.suffix in (".cpp", ".h"):
+            if path.suffix in (".cpp", ".h") and path.parent.resolve() not in foreign:
                 name = path.relative_to(tree)
                 faults += [f"{name}\t{number}\t{line}" for number, line in faults_of(path, rules)]
     print(f"{len(faults)} possible faults", file=sys.stderr)

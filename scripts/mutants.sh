@@ -2,7 +2,7 @@
 # mutants.sh [-n COUNT] [-s SEED] [-t SECONDS] [FOLDER...]: puts faults into a copy of the last
 # commit, one at a time, and tells which of them the tests do not notice. COUNT faults (default: 40)
 # are drawn by SEED (default: 1) among those that scripts/mutants.tsv finds in the FOLDERs (default:
-# src tools). A fault with which the tests last longer than SECONDS (default: 120) is noticed, too.
+# src tools). A fault with which a test lasts longer than SECONDS (default: 120) is noticed, too.
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"
 count=40 seed=1 seconds=120
@@ -22,58 +22,61 @@ work=$root/build-mutants/${1//\//-}
 rm -rf "$work"
 mkdir -p "$work/tree"
 git -C "$root" archive HEAD | tar -x -C "$work/tree"
-export IMAGEBLEND_SIGNAL_RUNS=6 IMAGEBLEND_STOP_AT_FAILURE=1
+export IMAGEBLEND_TEST_CALLS=${IMAGEBLEND_TEST_CALLS:-60} IMAGEBLEND_SIGNAL_RUNS=4 IMAGEBLEND_STOP_AT_FAILURE=1
 cmake -S "$work/tree" -B "$work/build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_JAVA=OFF \
     -DIMAGEBLEND_BUILD_BENCH=OFF >"$work/log"
 
-# cover FILE: what is built and which tests run for a fault in it.
+# cover FILE: which tests run for a fault in it, those first that are likely to notice.
 cover() {
-    tests=(--test-dir "$work/build/tests")
     case $1 in
-        tools/batch*) tests+=(-R '^cli_(batch|batch_stop)$') ;;
-        tools/explain*) tests+=(-R '^cli_explain$') ;;
-        tools*) tests+=(-R '^cli_' -E 'machines|batch_stop') ;;
-        src/prepare*) tests=(--test-dir "$work/build/tests/prepare") ;;
-        src/bmp*) tests=(--test-dir "$work/build/tests/bmp") ;;
-        src/*) tests+=(-E '^cli|^readme|^elf|^hardening|NOT_BUILT') ;;
-        src) tests+=(-E '^cli|^readme|^elf|^hardening') ;;
-    esac
-    case $1 in
-        tools*) targets=(imageblend_tool) ;;
-        src/prepare*) targets=(prepare_tests) ;;
-        src/bmp*) targets=(bmp_tests) ;;
-        src/*) targets=(internal_tests boundary_tests) ;;
-        src) targets=(internal_tests boundary_tests prepare_tests bmp_tests) ;;
+        src) tests=(internal_tests boundary_tests prepare/prepare_tests bmp/bmp_tests) ;;
+        src/prepare*) tests=(prepare/prepare_tests) ;;
+        src/bmp*) tests=(bmp/bmp_tests) ;;
+        src/*) tests=(internal_tests boundary_tests) ;;
+        tools/batch*) tests=(batch batch_stop) ;;
+        tools/commands/job*) tests=(batch cli) ;;
+        tools/explain*) tests=(explain) ;;
+        tools/*/bare_*) tests=(as_is explain cli) ;;
+        tools/*/*[ft]ile* | tools/*/picture* | tools/*/colour*) tests=(files cli as_is explain batch) ;;
+        *) tests=(cli as_is explain files batch) ;;
     esac
 }
-builds() { timeout 600 cmake --build "$work/build" -j "$(nproc)" --target "${targets[@]}" >>"$work/log" 2>&1; }
-passes() {
-    timeout "$seconds" ctest "${tests[@]}" --stop-on-failure -j "$(nproc)" >>"$work/log" 2>&1
+build() { timeout 600 cmake --build "$work/build" -j "$(nproc)" --target "$1" >>"$work/log" 2>&1; }
+# try FILE: 0 when its tests pass, 1 when one fails, 2 when it cannot be built
+try() {
+    local test target command
+    cover "$1"
+    for test in "${tests[@]}"; do
+        case $1 in
+            src*) target=${test##*/} command=("$work/build/tests/$test" --gtest_fail_fast) ;;
+            *) target=imageblend_tool
+                command=(bash "$work/tree/tests/cli/${test}_test.sh" "$work/build/imageblend") ;;
+        esac
+        build "$target" || return 2
+        timeout -k 5 "$seconds" "${command[@]}" >>"$work/log" 2>&1 || return 1
+    done
 }
 
 for folder in "$@"; do
-    cover "$folder"
-    builds && passes || { tail -n 30 "$work/log" >&2 && echo "$folder fails without a fault" >&2 && exit 1; }
+    try "$folder" ||
+        { tail -n 30 "$work/log" >&2 && echo "$folder fails without a fault" >&2 && exit 1; }
 done
 
 killed=0 survivors=()
 while IFS=$'\t' read -r -u 3 file number line; do
-    cover "$file"
     cp "$work/tree/$file" "$work/original"
     fault=$line perl -i -pe "\$_ = \"\$ENV{fault}\n\" if \$. == $number" "$work/tree/$file"
     what="$file:$number: ${line#"${line%%[! ]*}"}"
-    if ! builds; then
-        echo "no build  $what"
-    elif passes; then
-        survivors+=("$what")
-        echo "survived  $what"
-    else
-        killed=$((killed + 1))
-        echo "killed    $what"
-    fi
+    status=0
+    try "$file" || status=$?
+    case $status in
+        0) survivors+=("$what") && echo "survived  $what" ;;
+        1) killed=$((killed + 1)) && echo "killed    $what" ;;
+        2) echo "no build  $what" ;;
+    esac
     cp "$work/original" "$work/tree/$file"
-done 3< <(python3 "$root/scripts/mutants.py" "$root/scripts/mutants.tsv" "$work/tree" "$seed" \
-    "$count" "$@")
+done 3< <(python3 "$root/scripts/mutants.py" "$root/scripts/mutants.tsv" "$work/tree" "$work/build" \
+    "$seed" "$count" "$@")
 
 echo "$killed killed, ${#survivors[@]} survived"
 [ ${#survivors[@]} -eq 0 ] || printf '%s\n' "${survivors[@]}"
