@@ -137,7 +137,22 @@ lost_process() {
     says "lost.jsonl:1: lost/never.png failed: its process was ended by a signal: Killed"
     says "5 blended, 1 failed"
     find lost -name '.imageblend*' -delete # what kill -9 leaves behind
+
+    # One that dies between two jobs costs none.
+    mkfifo idle.jsonl && mkdir idle
+    "$tool" batch idle.jsonl --jobs 1 --report idle.report 2>err &
+    {
+        sed 's/reference/idle/; q' reference.jsonl
+        until_true has_lines idle.report 1
+        pkill -9 -P $!
+        until_true is_dead $!
+        sed -n '2s/reference/idle/p' reference.jsonl
+    } >idle.jsonl
+    wait $! || fail "status after the end of an idle process"
+    says "2 blended, 0 failed"
 }
+# is_dead PARENT: whether its only child has ended
+is_dead() { [[ $(ps -o stat= --ppid "$1") == Z* ]]; }
 
 # frames SCREEN: what the bar looked like, one state a line
 frames() { tr '\r' '\n' <"$1" | sed 's/\x1b\[K//g' | grep "/$jobs"; }
