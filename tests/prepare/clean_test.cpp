@@ -121,6 +121,9 @@ TEST(CutOut, StaysStraightWhenTheObjectIsDark) {
     const cleaned made = clean(cut_out(object, alpha, false), nullptr);
     EXPECT_EQ(made.findings.premultiplied, 0);
     EXPECT_LT(colour_error(made, object, 1, 255), 3);
+    // Without transparent pixels there is nothing that could show what was behind.
+    const cleaned whole = clean(cut_out(object, picture(150, 150, 1, 255), false), nullptr);
+    EXPECT_EQ(whole.findings.surroundings, 0);
 }
 
 TEST(CutOut, LosesTheRimOfItsOldBackground) {
