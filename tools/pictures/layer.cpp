@@ -75,7 +75,8 @@ struct Window {
 };
 
 Window window_around(const Extent& extent, const Size& destination, int reach) {
-    const int room = reach + 2;
+    // Surroundings fade towards the end of their picture too, which must not be that of the window.
+    const int room = 2 * reach + 2;
     const auto inside = [&](double position, int side) {
         return static_cast<int>(std::clamp<double>(position, -room, side + room));
     };
@@ -140,7 +141,7 @@ Frame into_window(const VImage& image, const Transform& transform, const Window&
 // The source around the object, opaque, with what surroundings can need of it.
 Frame surroundings_in(const CleanObject& clean, const VImage& picture, Transform transform,
                       const Window& window, int reach) {
-    const double around = std::min(std::ceil(reach / transform.zoom) + 4.0, 1e6);
+    const double around = std::min(std::ceil(2 * reach / transform.zoom) + 4.0, 1e6);
     const int spare = static_cast<int>(around);
     const int left = std::max(clean.box.left - spare, 0);
     const int top = std::max(clean.box.top - spare, 0);
