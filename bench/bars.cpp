@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the library is held to.
 #include <cmath>
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole calls of vorn_imageBlending and the pyramid alone, on memory that the system hands out anew
 // each time, with what they are measured by: the copy of a frame and the pyramid in a kept
 // workspace.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Peak memory of whole calls beyond the buffers of the caller, as JSON on standard output. Each
 // call runs in a process of its own.
 #include <malloc.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What it takes to make an object ready and to lay it into its destination: everything that comes
 // before and after the blend, on memory that exists.
 #include <benchmark/benchmark.h>

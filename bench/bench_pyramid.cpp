@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pyramid alone at four sizes, beside OpenCV's blends of the same pixels and a memcpy.
 #include <benchmark/benchmark.h>
 #include <limits.h>

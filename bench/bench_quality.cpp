@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs a command line on pictures whose exact result is known and prints how far it is from that.
 #include <stdlib.h>
 

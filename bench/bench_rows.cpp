@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Every row operation, plain and active, beside a memcpy that moves as many bytes.
 #include <benchmark/benchmark.h>
 #include <stdint.h>

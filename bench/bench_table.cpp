@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Prints one table of the medians in the JSON files of the benchmark programs, and the bars.
 // Usage: bench_table [--plot FILE] JSON...
 #include <cstdio>

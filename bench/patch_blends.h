@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The blends that are compared: ours and, where OpenCV is there, its own.
 #ifndef IMAGEBLEND_BENCH_PATCH_BLENDS_H
 #define IMAGEBLEND_BENCH_PATCH_BLENDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include <memory>
 #include <opencv2/core.hpp>
 #include <opencv2/stitching/detail/blenders.hpp>

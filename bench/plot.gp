@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Usage: gnuplot -e "data='FILE'; picture='FILE.svg'" plot.gp
 set terminal svg size 760,380 font "sans-serif,13" background "white"
 set output picture

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How faithful a blend is to the two pictures that it joins.
 #ifndef IMAGEBLEND_BENCH_QUALITY_H
 #define IMAGEBLEND_BENCH_QUALITY_H

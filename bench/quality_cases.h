@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What people have of an object: masks good and bad, cut-outs of several kinds.
 #ifndef IMAGEBLEND_BENCH_QUALITY_CASES_H
 #define IMAGEBLEND_BENCH_QUALITY_CASES_H

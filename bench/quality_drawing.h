@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects drawn in layers at eight times the size of a photo, so that the share of a photo's pixel
 // that an object covers is known to a small fraction of a level.
 #ifndef IMAGEBLEND_BENCH_QUALITY_DRAWING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Surroundings and destinations, as a camera would see them: soft and with grain.
 #ifndef IMAGEBLEND_BENCH_QUALITY_GROUNDS_H
 #define IMAGEBLEND_BENCH_QUALITY_GROUNDS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Halo, inside and edge: how far a result is from the object over the destination, in CIELAB.
 #ifndef IMAGEBLEND_BENCH_QUALITY_MEASURE_H
 #define IMAGEBLEND_BENCH_QUALITY_MEASURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The objects that the quality benchmark pastes: smooth and cornered ones, with thin parts, holes
 // and crevices, light and dark, plain and textured.
 #ifndef IMAGEBLEND_BENCH_QUALITY_OBJECTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What others make of the same pictures, beside which the figures stand.
 #ifndef IMAGEBLEND_BENCH_QUALITY_PEERS_H
 #define IMAGEBLEND_BENCH_QUALITY_PEERS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The table of the quality benchmark and its bars.
 #ifndef IMAGEBLEND_BENCH_QUALITY_REPORT_H
 #define IMAGEBLEND_BENCH_QUALITY_REPORT_H

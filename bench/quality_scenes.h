@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Photos of an object whose alpha and colour are known exactly, and destinations for it.
 #ifndef IMAGEBLEND_BENCH_QUALITY_SCENES_H
 #define IMAGEBLEND_BENCH_QUALITY_SCENES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a case's result should be, at any place near the one asked for.
 #ifndef IMAGEBLEND_BENCH_QUALITY_TRUTH_H
 #define IMAGEBLEND_BENCH_QUALITY_TRUTH_H

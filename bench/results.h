@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The medians that the benchmark programs measured.
 #ifndef IMAGEBLEND_BENCH_RESULTS_H
 #define IMAGEBLEND_BENCH_RESULTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The pictures that the benchmarks work on: synthetic, with the spectrum of a photograph.
 #ifndef IMAGEBLEND_BENCH_SCENES_H
 #define IMAGEBLEND_BENCH_SCENES_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # The NDK's toolchain, found through ANDROID_NDK_HOME.
 set(ndk_toolchain $ENV{ANDROID_NDK_HOME}/build/cmake/android.toolchain.cmake)
 if(NOT EXISTS ${ndk_toolchain})

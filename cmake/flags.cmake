@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Compiler options that all of the project's targets share.
 
 # Strict warnings, and the promise that float expressions are evaluated as written.

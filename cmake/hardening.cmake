@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # How the project's binaries are made safe and reproducible.
 
 option(IMAGEBLEND_SEPARATE_SYMBOLS "Move debug symbols into files of their own" OFF)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Installs what was built: the library with a CMake package and a pkg-config file, the command line,
 # the Java class, the Python module. What was not built is left out, so every file of a target is
 # optional.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Debian packages of the library, of what a program needs to be built with it, of the command line and
 # of the Python module: cpack -G DEB in the folder of the build.
 set(CPACK_GENERATOR DEB)

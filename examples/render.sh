@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: Apache-2.0
 # Remakes the example pictures and masks from scenes/.
 # Usage: examples/render.sh [folder for the results, default: this folder]
 set -eu

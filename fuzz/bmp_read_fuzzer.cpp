@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Feeds bytes to the bitmap reader as a file and checks what comes back.
 #include <stddef.h>
 #include <stdint.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls one of the library's functions with a fuzzed scene and compares all that a caller sees with
 // the tests' model. FUZZ_CALL names the function: blend, cutout, verify or size.
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Turns fuzzed bytes into the inputs of one call. Any bytes will do.
 #ifndef IMAGEBLEND_FUZZ_FUZZ_SCENE_H
 #define IMAGEBLEND_FUZZ_FUZZ_SCENE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes small pictures, masks and places through the whole preparation: clean, place, lay, blend,
 // finish, and the same in one call. Buffers have no byte to spare.
 #include <fuzzer/FuzzedDataProvider.h>

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * imageblend.h - the public boundary of libimageblend.
  *

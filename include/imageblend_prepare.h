@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * imageblend_prepare.h - from the picture and the mask that people have to frames that blend well.
  *

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 // The stand-in for Android's logging: see android/log.h.
 #define _POSIX_C_SOURCE 200809L
 #include <android/log.h>

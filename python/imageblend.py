@@ -1,11 +1,10 @@
+# SPDX-License-Identifier: Apache-2.0
 """Pastes objects into pictures so that the join does not show: libimageblend for NumPy.
 
     photo = imageblend.paste(vase, dunes, (640, 535), vase_mask)
-
-Pictures are H x W x 3 or H x W x 4 arrays of uint8: three colours in any order, which are treated
-alike, then alpha, by which colours are not multiplied. Masks are H x W, uint8 with 0 outside the
-object, 255 inside and what lies between where it is both, or bool. Whatever numpy.asarray takes
-will do, a Pillow image for instance. x runs to the right and y downwards from the top left pixel.
+Pictures are H x W x 3 or H x W x 4 arrays of uint8: three colours in any order, treated alike, then
+alpha, by which colours are not multiplied. Masks are H x W, uint8 with 0 outside the object, 255
+inside and what lies between, or bool. Whatever numpy.asarray takes will do, such as a Pillow image.
 
 paste and prepare do what the command line does: they fit the outline, clean the colours and change
 nothing but the object. blend, verify, object_size and cut_out are the library's four functions as
@@ -17,8 +16,8 @@ Threads. Any function may be called on any thread at any time; Python's lock is 
 Errors. TypeError and ValueError for arguments that do not fit, the ValueError PlacementError for an
 object that cannot stand where it should, and MemoryError.
 
-The library is libimageblend_full.so: the file that the environment variable IMAGEBLEND_LIBRARY
-names, or beside this module, or in the folder build beside the module's, or where the system looks.
+The library is libimageblend_full.so: as the environment variable IMAGEBLEND_LIBRARY names it, beside
+this module, in the folder build beside the module's, or where the system looks.
 """
 
 from __future__ import annotations

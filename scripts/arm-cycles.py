@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """arm-cycles.py LLVM_MCA ASSEMBLY...: the cycles of every loop of the row operations.
 
 A loop is a way round in the flow of a function that stores through a vector register. Its pixels

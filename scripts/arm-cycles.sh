@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Prints what the vector loops of 64-bit Arm cost on two phone cores, the table of docs/arm.md.
 # CXX is the compiler, Debian's cross g++ if not given.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what is missing, builds, measures, prints one table and draws docs/bench.svg.
 # Usage: scripts/bench.sh [--quick]
 #   --quick  a few short rounds, for a first look; the drawing is left as it is

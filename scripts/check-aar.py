@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: Apache-2.0
 """check-aar.py FILE: proves that an imageblend.aar is whole. Prints each fault, exits 1 if any."""
 import io
 import json

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds all fuzzers, runs each for SECONDS (60 if not given) from a fixed seed and prints how many
 # calls it made. Stops at the first finding, which stays in build-fuzz/findings.
 # usage: scripts/fuzz.sh [SECONDS [BUILD_FOLDER]]

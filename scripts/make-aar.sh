@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Packs imageblend.aar; make-aar.sh --help says how.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)

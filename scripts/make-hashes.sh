@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes tests/hashes/whole_calls.txt again, after a change of results that is meant.
 # usage: scripts/make-hashes.sh [BUILD_FOLDER]
 set -euo pipefail

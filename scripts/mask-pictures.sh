@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes the pictures of docs/masks.md from the example pictures: docs/masks-*.jpg.
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """mutants.py LIST TREE BUILD SEED COUNT FOLDER...: prints COUNT faults, drawn by SEED.
 
 LIST has a regular expression and its replacement a line, with a tab between them. A fault is a

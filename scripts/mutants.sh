@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # mutants.sh [-n COUNT] [-s SEED] [-t SECONDS] [FOLDER...]: puts faults into a copy of the last
 # commit, one at a time, and tells which of them the tests do not notice. COUNT faults (default: 40)
 # are drawn by SEED (default: 1) among those that scripts/mutants.tsv finds in the FOLDERs (default:

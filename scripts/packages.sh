@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Sourced by the other scripts: installs missing Debian packages and finds the repository.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Makes docs/before-after.jpg from the example pictures and what scripts/demo.sh has made of them.
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"

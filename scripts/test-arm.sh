@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Builds the library and the tests for 64-bit Arm and runs them in qemu's user emulation.
 # IMAGEBLEND_TEST_CALLS sets the number of random calls: 200 if not given, as emulation is slow.
 set -euo pipefail

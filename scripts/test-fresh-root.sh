@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Runs the README's two commands on a minimal Debian 12 in a folder of its own, once as root and once
 # as a user with sudo. Takes about a quarter of an hour and 4 GB under $TMPDIR. Where the system
 # cannot be made it says so in one line and succeeds.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # Installs what is missing, builds everything and runs all tests.
 set -euo pipefail
 source "$(dirname "$0")/packages.sh"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What work costs, and from which costs on it is cut up or handed to threads.
 #ifndef IMAGEBLEND_COSTS_H
 #define IMAGEBLEND_COSTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The walk along a resized line in 1/128 pixel, shared by the mask's and the colours' resampling.
 #ifndef IMAGEBLEND_FIXED_STEP_H
 #define IMAGEBLEND_FIXED_STEP_H

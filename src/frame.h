@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Memory of whole colour frames.
 #ifndef IMAGEBLEND_FRAME_H
 #define IMAGEBLEND_FRAME_H

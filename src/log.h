@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Diagnostics of the library: one line of the Android log under the library's tag.
 #ifndef IMAGEBLEND_LOG_H
 #define IMAGEBLEND_LOG_H

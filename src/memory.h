@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work buffers: sizes are computed without overflow, and a size of 0 yields a buffer, so that null
 // always means failure.
 #ifndef IMAGEBLEND_MEMORY_H

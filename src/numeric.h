@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Conversions and sizes that every subsystem shares.
 #ifndef IMAGEBLEND_NUMERIC_H
 #define IMAGEBLEND_NUMERIC_H

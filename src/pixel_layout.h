@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the pixels and samples of a plane lie.
 #ifndef IMAGEBLEND_PIXEL_LAYOUT_H
 #define IMAGEBLEND_PIXEL_LAYOUT_H

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # libimageblend.so: exports the four functions.
 add_library(imageblend SHARED $<TARGET_OBJECTS:imageblend_core>)
 target_link_libraries(imageblend PRIVATE imageblend_liblog m)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # libimageblend.a: one object that defines the four functions and nothing else for others to see, so
 # that no inner name meets one of the program's.
 set(whole ${CMAKE_CURRENT_BINARY_DIR}/whole.o)

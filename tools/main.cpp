@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The command line: arguments, dispatch and exit statuses.
 #include <fcntl.h>
 #include <imageblend.h>

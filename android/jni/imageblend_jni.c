@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 // The native methods of org.imageblend.ImageBlend. The class has checked that no argument is null
 // and that frames and masks have width * height pixels; only the room for an icon is checked here,
 // where the mask cannot change between the check and the use.

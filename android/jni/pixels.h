@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* Moves pixels and masks between Java's arrays and the library's frames. */
 #ifndef IMAGEBLEND_JNI_PIXELS_H
 #define IMAGEBLEND_JNI_PIXELS_H

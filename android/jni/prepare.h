@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 /* The native methods that make an object ready and paste it. As in imageblend_jni.c the class has
  * checked the arguments, but for the room for an object and for memory that is shared. */
 #ifndef IMAGEBLEND_JNI_PREPARE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 import android.graphics.Bitmap
 import android.graphics.Canvas
 import android.graphics.Matrix

@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * blend OBJECT MASK PHOTO RESULT X Y ZOOM: pastes the object that MASK marks in OBJECT into PHOTO,
  * with its centre at (X, Y), and writes RESULT.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Source: a hot-air balloon in a pale morning sky above low hills.
 // Declare=Mask=1 renders the object white on black with the same camera.
 #version 3.7;

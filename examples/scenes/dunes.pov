@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Destination: golden desert sand with ripples, dunes behind.
 #version 3.7;
 #ifndef (Rays) #declare Rays = 40; #end

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Destination: a mountain lake under a hazy sky.
 #version 3.7;
 global_settings { assumed_gamma 1.0 max_trace_level 6 noise_generator 3 }

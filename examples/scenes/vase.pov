@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Source: a glazed jar standing in pale beach sand in soft sunlight.
 // Declare=Mask=1 renders what is seen of the jar white on black.
 // Declare=Jar=0 leaves the jar out, Declare=Jar=2 leaves its shadow alone.

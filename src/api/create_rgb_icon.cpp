@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vorn_create_rgb_icon: the object cut out as a small picture.
 #include <string.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vorn_get_icon_size: the size of the object's bounding box.
 #include "api/mask_box.h"
 #include "imageblend.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vorn_imageBlending: prepares the object's mask and hands the blend to the engine.
 #include "api/plan.h"
 #include "api/zoom_plane.h"

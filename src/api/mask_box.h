@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object's box in its mask: bounding box, pyramid level, margins and seams.
 #ifndef IMAGEBLEND_API_MASK_BOX_H
 #define IMAGEBLEND_API_MASK_BOX_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A mask as the scans and copies see it: samples inside a window of a frame, zero everywhere else.
 #ifndef IMAGEBLEND_API_MASK_VIEW_H
 #define IMAGEBLEND_API_MASK_VIEW_H

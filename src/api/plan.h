@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a call is about, found once and before anything is blended: the object in its mask, whether
 // it fits where it is asked for, and where a blend reads and writes. Nothing here logs.
 #ifndef IMAGEBLEND_API_PLAN_H

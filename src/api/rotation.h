@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rotation of a frame and its mask about the object's centre.
 #ifndef IMAGEBLEND_API_ROTATION_H
 #define IMAGEBLEND_API_ROTATION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // vorn_verify_icon_pos: would the object fit at this centre, zoom and angle?
 #include "api/plan.h"
 #include "imageblend.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Nearest-neighbour resize of an interleaved byte picture in 7-bit fixed point.
 #ifndef IMAGEBLEND_API_ZOOM_PLANE_H
 #define IMAGEBLEND_API_ZOOM_PLANE_H

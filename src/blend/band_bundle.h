@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One band's share of a step from one pyramid level to the next, as one pool task.
 //
 // On the way down a bundle walks its band in strips of a few rows, on the way up row by row, and

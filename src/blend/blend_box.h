@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where one blend reads and where it writes.
 #ifndef IMAGEBLEND_BLEND_BLEND_BOX_H
 #define IMAGEBLEND_BLEND_BLEND_BOX_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The single entry of the blending engine.
 #ifndef IMAGEBLEND_BLEND_BLEND_REGION_H
 #define IMAGEBLEND_BLEND_BLEND_REGION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "blend/depth.h"
 
 int32_t depth_of_side(int32_t side, int32_t base, bool cap) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // How deep a pyramid is, and how wide a margin that depth needs.
 #ifndef IMAGEBLEND_BLEND_DEPTH_H
 #define IMAGEBLEND_BLEND_DEPTH_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a level's rows are read from and written to: a packed patch, or a rectangle of a frame that
 // is packed row by row where it is needed.
 #ifndef IMAGEBLEND_BLEND_PATCH_H

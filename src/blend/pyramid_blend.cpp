@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "blend/pyramid_blend.h"
 
 #include "blend/band_bundle.h"

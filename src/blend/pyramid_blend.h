@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The multi-band blend of two rectangles.
 #ifndef IMAGEBLEND_BLEND_PYRAMID_BLEND_H
 #define IMAGEBLEND_BLEND_PYRAMID_BLEND_H

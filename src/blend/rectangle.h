@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectangles between 4-byte frames and packed 3-byte pixels.
 //
 // A rectangle may reach outside its frame. Pixels are addressed linearly, (y * width + x), so a

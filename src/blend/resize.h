@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bilinear resize of 8-bit planes in 7-bit fixed point, in two separable passes.
 //
 // Output sample i of n_out sits on the source position i * step in 1/128 pixel,

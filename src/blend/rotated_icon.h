@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one piece of process-wide state: a rotated icon that a failed blend has left behind.
 #ifndef IMAGEBLEND_BLEND_ROTATED_ICON_H
 #define IMAGEBLEND_BLEND_ROTATED_ICON_H

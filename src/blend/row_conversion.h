@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A level of 16 bits as bytes: what the coarsest merge of a blend does in passing.
 #ifndef IMAGEBLEND_BLEND_ROW_CONVERSION_H
 #define IMAGEBLEND_BLEND_ROW_CONVERSION_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Work that the blend's threads do beside or before the pyramid.
 #ifndef IMAGEBLEND_BLEND_SIDE_WORK_H
 #define IMAGEBLEND_BLEND_SIDE_WORK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // When a blend uses threads.
 #ifndef IMAGEBLEND_BLEND_THREADING_H
 #define IMAGEBLEND_BLEND_THREADING_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The coarser levels of one blend, in one block.
 #ifndef IMAGEBLEND_BLEND_WORKSPACE_H
 #define IMAGEBLEND_BLEND_WORKSPACE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bmp/bmp_fields.h"
 
 int32_t byte_order_flag = 1;

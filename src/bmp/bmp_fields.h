@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Header fields of a bitmap file, and the layout that its reader and its writer share.
 #ifndef IMAGEBLEND_BMP_FIELDS_H
 #define IMAGEBLEND_BMP_FIELDS_H

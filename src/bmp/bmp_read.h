@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reading of uncompressed 24-bit bitmap files, as the dump routines write them and as other
 // programs do with larger headers. Rows are taken bottom-up; the fields for planes, bits per pixel
 // and compression are read past.

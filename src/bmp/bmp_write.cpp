@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "bmp/bmp_write.h"
 
 #include <stddef.h>

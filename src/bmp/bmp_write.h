@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Dumps of pictures as uncompressed 24-bit bitmap files and of planes as bare bytes.
 //
 // All routines return 0, or 1 after a failure that is reported on standard output. Whether the

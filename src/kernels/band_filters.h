@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // 2:1 reduction and 1:2 expansion of one band of a pyramid level.
 //
 // Rows are filtered along the row into the scratch first, then down the columns, with rounding to 8

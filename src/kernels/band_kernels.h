@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element-wise arithmetic of the Laplacian pyramids, one band at a time: the steps that the way
 // up of a blend takes in one (merge_even and merge_odd of row_ops.h), for who wants to see them.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The argument record of every kernel that works on one horizontal band of one pyramid level.
 #ifndef IMAGEBLEND_KERNELS_BAND_TASK_H
 #define IMAGEBLEND_KERNELS_BAND_TASK_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The formulas of the pyramids, for one value each. The plain paths are made of them; vector paths
 // give the same results.
 #ifndef IMAGEBLEND_KERNELS_ROW_MATH_H

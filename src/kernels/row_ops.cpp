@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "kernels/row_ops.h"
 
 const row_ops* active_row_ops(void) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The arithmetic of the pyramids, one row at a time.
 //
 // Every kernel, whole-plane or band, is a walk over rows that calls these operations, so each

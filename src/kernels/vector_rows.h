@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the vector paths share: the walk over a row and the edges of the filters.
 #ifndef IMAGEBLEND_KERNELS_VECTOR_ROWS_H
 #define IMAGEBLEND_KERNELS_VECTOR_ROWS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // 2:1 reduction and 1:2 expansion of whole 8-bit planes, on the calling thread.
 //
 // Planes are packed, `width` x `height` pixels of 1 (NC) or 3 interleaved (C3) channels. Each axis

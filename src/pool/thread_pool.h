@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The worker pool of one blend: up to four threads, a task queue and a count of completions.
 //
 // A stage of work is one cycle of pool_reset_done, a known number of pool_add_task calls, pool_help

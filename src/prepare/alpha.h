@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // An object's alpha in the box that is worked on, and what kind of alpha that is.
 #ifndef IMAGEBLEND_PREPARE_ALPHA_H
 #define IMAGEBLEND_PREPARE_ALPHA_H

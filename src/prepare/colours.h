@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object's own colours in pixels that show something else too.
 #ifndef IMAGEBLEND_PREPARE_COLOURS_H
 #define IMAGEBLEND_PREPARE_COLOURS_H

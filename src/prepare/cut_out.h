@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a picture with an alpha channel of its own holds where it is transparent.
 #ifndef IMAGEBLEND_PREPARE_CUT_OUT_H
 #define IMAGEBLEND_PREPARE_CUT_OUT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Distance of every pixel to an outline.
 #ifndef IMAGEBLEND_PREPARE_DISTANCE_H
 #define IMAGEBLEND_PREPARE_DISTANCE_H

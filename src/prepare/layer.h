@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where an object that is laid over a destination can be seen.
 #ifndef IMAGEBLEND_PREPARE_LAYER_H
 #define IMAGEBLEND_PREPARE_LAYER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The distance by which an outline as a whole lies beside the edge that the picture shows.
 #ifndef IMAGEBLEND_PREPARE_OUTLINE_FIT_H
 #define IMAGEBLEND_PREPARE_OUTLINE_FIT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "imageblend_prepare.h"
 #include "memory.h"
 #include "prepare/picture.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pictures that a caller hands in.
 #ifndef IMAGEBLEND_PREPARE_PICTURE_H
 #define IMAGEBLEND_PREPARE_PICTURE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What stood around an object, brought along into a destination.
 #ifndef IMAGEBLEND_PREPARE_SURROUNDINGS_H
 #define IMAGEBLEND_PREPARE_SURROUNDINGS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Mean colours over wide squares, at a quarter of the size.
 #ifndef IMAGEBLEND_PREPARE_WIDE_MEANS_H
 #define IMAGEBLEND_PREPARE_WIDE_MEANS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Whole calls in which memory, threads or locks run out: status, output, messages and no leak.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The box of a mask and its crop, against the model, with the layouts and buffers that no whole
 // call has.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Blends that overlap in time.
 #include <gtest/gtest.h>
 #include <imageblend.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The plan of a call says what the call then does: verdict and seams those of the log, the box
 // where the output changes, and missing memory apart from everything else.
 #include "api/plan.h"

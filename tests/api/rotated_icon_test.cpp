@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The life of g_rotated_icon, and the results, over every sequence of three blends.
 #include "blend/rotated_icon.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The blend of two packed rectangles: every size and depth against the model, with and without
 // threads and memory.
 #include "blend/pyramid_blend.h"

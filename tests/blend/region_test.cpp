@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where a blend puts its rectangles, what it prints, and what becomes of the rotated icon.
 #include <gtest/gtest.h>
 #include <stdlib.h>

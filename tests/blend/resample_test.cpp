@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Rectangles of frames and resized planes against the model, with the channels, steps and lack of
 // memory that no whole call has.
 #include "model/resample.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The workspace's size and what is left of the depth rules and the narrowing.
 #include "blend/workspace.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bitmap files for the tests: built and understood byte by byte, and read through the library.
 #ifndef IMAGEBLEND_TESTS_BMP_FILES_H
 #define IMAGEBLEND_TESTS_BMP_FILES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Files that the library did not write: damaged ones are refused, or read as what they are.
 #include <stdlib.h>
 

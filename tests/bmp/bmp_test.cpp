@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Bitmap dumps: the bytes of the files, reading them back, and what is said when that fails.
 #include <stdio.h>
 #include <sys/stat.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Sizes swept one by one: every depth of the pyramid, odd and even sides at every level, every
 // remainder of the bands and of the vector widths.
 #include <gtest/gtest.h>

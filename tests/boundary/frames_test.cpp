@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Records that a call cannot use: null pointers, sizes that differ, sides below 1.
 #include <gtest/gtest.h>
 #include <imageblend.h>

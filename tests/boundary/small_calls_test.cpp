@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The three functions that look at a mask or cut it out.
 #include <gtest/gtest.h>
 #include <imageblend.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # as_is_test.sh IMAGEBLEND: blends without preparation, and what the library's rules mean for them.
 # shellcheck disable=SC2086 # lists of options are meant to be split
 source "$(dirname "$0")/helpers.sh"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # Sourced by the tests of batches: pictures, job files, and results to compare with.
 # IMAGEBLEND_BATCH_JOBS sets the number of jobs of the larger runs.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # batch_machines_test.sh IMAGEBLEND: a job file split among machines by GNU parallel. The machines
 # are two ssh servers of this test on the loopback, with keys and settings in its folder. One dies
 # while it works.

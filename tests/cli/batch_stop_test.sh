@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # batch_stop_test.sh IMAGEBLEND: batches that are interrupted, stopped, killed and started again.
 source "$(dirname "$0")/batch_helpers.sh"
 

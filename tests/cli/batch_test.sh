@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # batch_test.sh IMAGEBLEND: job files, broken jobs, lost processes, the report and the bar.
 source "$(dirname "$0")/batch_helpers.sh"
 

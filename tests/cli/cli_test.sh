@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # cli_test.sh IMAGEBLEND: runs the command line on small pictures and checks what it writes and says.
 # shellcheck disable=SC2086 # lists of options are meant to be split
 script=$(realpath "$0")

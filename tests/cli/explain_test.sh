@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # explain_test.sh IMAGEBLEND: the picture of a blend's stages, and its planes as files.
 # shellcheck disable=SC2086 # lists of options are meant to be split
 source "$(dirname "$0")/helpers.sh"

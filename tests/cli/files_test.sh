@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # files_test.sh IMAGEBLEND: which picture files are read, what is kept of them, and what is left
 # behind. IMAGEBLEND_SIGNAL_RUNS sets the number of runs that a signal ends.
 # shellcheck disable=SC2086 # lists of options are meant to be split

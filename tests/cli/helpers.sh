@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # shellcheck shell=bash
 # Sourced by the tests of the command line: $tool is the command, the test runs in a new folder.
 # With IMAGEBLEND_STOP_AT_FAILURE, it ends with its first failure.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # quality_test.sh BENCH_QUALITY IMAGEBLEND: a few blends beside exact composites. The bounds are wide:
 # they are for a rim, a seam or a wrong place, and the benchmark is for the figures.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # readme_test.sh REPOSITORY BUILD: runs what the README prints, in a copy of the examples.
 set -euo pipefail
 repository=$(cd "$1" && pwd) build=$(cd "$2" && pwd)

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # elf_test.sh READELF STRIP MOST_BYTES LIBRARY: what the shared library promises to the loader.
 set -euo pipefail
 readelf=$1 strip=$2 most_bytes=$3 library=$4

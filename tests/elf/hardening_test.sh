@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # hardening_test.sh READELF FORTIFIED FOLDER... -- FILE...: how every program and shared library is
 # made safe. FORTIFIED is 1 where copies are checked; no FILE may name one of the FOLDERs.
 set -euo pipefail

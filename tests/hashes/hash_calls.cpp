@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // hash_calls: prints the lines of whole_calls.txt.
 #include <iostream>
 

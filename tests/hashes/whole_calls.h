@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Random calls whose outcomes are written down in whole_calls.txt, one line a call:
 //   seed function status hash
 #ifndef IMAGEBLEND_TESTS_HASHES_WHOLE_CALLS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The same bytes whatever the number of threads, the row operations, the build and the platform:
 // calls are compared with the hashes of whole_calls.txt, which scripts/make-hashes.sh makes.
 #include "whole_calls.h"

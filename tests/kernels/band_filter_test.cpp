@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The band filters: bands of a level give what the whole level gives, reading their rows only.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The element-wise band kernels: every value, pixel steps, empty bands and reported completions.
 #include <gtest/gtest.h>
 

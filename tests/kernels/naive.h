@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kernels' formulas, a value at a time, and the data that kernels are tried on.
 #ifndef IMAGEBLEND_TESTS_KERNELS_NAIVE_H
 #define IMAGEBLEND_TESTS_KERNELS_NAIVE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations of the row tables. Every table gives what the plain rows give, at every length and
 // between pages that cannot be touched; the plain rows, and the others, round every value rightly.
 #include <gtest/gtest.h>

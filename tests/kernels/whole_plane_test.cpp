@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The whole-plane filters: sizes, what stays untouched, and every refusal with its log line.
 #include "kernels/whole_plane.h"
 

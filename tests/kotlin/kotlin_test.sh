@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # kotlin_test.sh KOTLINC JAVAC JAVA JAR LIBRARIES: compiles the example and runs it.
 set -euo pipefail
 kotlinc=$1 javac=$2 java=$3 jar=$4 libraries=$5
@@ -14,4 +15,4 @@ trap 'rm -rf "$work"' EXIT
     -cp "$work/sticker.jar:$work/android:$jar" StickerTestKt
 # The document shows the example as it is.
 document=$(sed -n '/^import android.graphics.Bitmap$/,/^```$/p' "$root/docs/android.md" | sed '$d')
-diff <(echo "$document") "$root/examples/android/Sticker.kt"
+diff <(echo "$document") <(tail -n +2 "$root/examples/android/Sticker.kt")

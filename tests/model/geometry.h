@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Boxes, margins, rotation and rectangles of the model.
 #ifndef IMAGEBLEND_TESTS_MODEL_GEOMETRY_H
 #define IMAGEBLEND_TESTS_MODEL_GEOMETRY_H

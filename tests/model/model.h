@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A plain model of the four exported functions: whole planes, one thread, no shared code with the
 // library. It is the measure that the boundary tests hold the library to, byte for byte and log
 // line for log line.

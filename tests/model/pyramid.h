@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Laplacian pyramid blending of whole planes.
 #ifndef IMAGEBLEND_TESTS_MODEL_PYRAMID_H
 #define IMAGEBLEND_TESTS_MODEL_PYRAMID_H

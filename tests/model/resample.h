@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The two resamplers that a zoom other than 1 needs; both map corner onto corner.
 #ifndef IMAGEBLEND_TESTS_MODEL_RESAMPLE_H
 #define IMAGEBLEND_TESTS_MODEL_RESAMPLE_H

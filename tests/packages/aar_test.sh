@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # aar_test.sh CC: packs stand-in libraries, then breaks the package in every way that the checker
 # must see. The stand-ins are stubs of this machine's compiler; the one for arm64-v8a is the same
 # file with the machine's number of 64-bit Arm in its header. They cannot run on Android.

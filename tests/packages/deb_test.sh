@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # deb_test.sh BUILD CPACK CC: makes the Debian packages, installs them into a folder as dpkg does, and
 # runs what they bring. What they depend on comes from this machine.
 set -euo pipefail

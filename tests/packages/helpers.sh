@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Sourced by the tests of packages: small pictures and the example program on them.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # install_test.sh BUILD CMAKE CC: installs a build, moves it, and builds the example program against
 # its CMake package, its pkg-config file and by hand.
 set -euo pipefail

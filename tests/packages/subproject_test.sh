@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: Apache-2.0
 # subproject_test.sh CMAKE CC CXX: the library as a part of another project, shared and static.
 set -euo pipefail
 cmake=$1

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Makes chosen calls of the C library fail and counts blocks of memory.
 //
 // internal_tests is linked so that the calls that its objects make, the library's among them, go

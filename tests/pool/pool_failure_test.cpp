@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The worker pool when threads, locks or memory cannot be had: status, messages, nothing leaked.
 #include <gtest/gtest.h>
 #include <string.h>

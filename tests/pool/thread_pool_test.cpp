@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The worker pool at work: order, counting, shutting down.
 #include "pool/thread_pool.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object's alpha and colours.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Calls that cannot be done leave everything as it was; calls that can give the same bytes on every
 // platform.
 #include <gtest/gtest.h>

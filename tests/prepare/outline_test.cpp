@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the outline is, and where the picture has it.
 #include <gtest/gtest.h>
 

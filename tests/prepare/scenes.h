@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Objects before textured backgrounds, drawn so that their alpha is known.
 #ifndef IMAGEBLEND_TESTS_PREPARE_SCENES_H
 #define IMAGEBLEND_TESTS_PREPARE_SCENES_H

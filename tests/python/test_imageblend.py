@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 """Tests of the Python module. IMAGEBLEND_TOOL names the command line, which must give the same."""
 import os
 import shutil

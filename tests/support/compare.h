@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs the library's functions on a scene and holds the outcome against the model.
 #ifndef IMAGEBLEND_TESTS_COMPARE_H
 #define IMAGEBLEND_TESTS_COMPARE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Takes over what the engine chooses by the machine and the size of a blend: its row operations and
 // whether it uses threads. For executables that are linked with the library's objects and with
 // --wrap for both functions (wrap_engine_choices in CMake). Not while a blend is running.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "guarded_bytes.h"
 
 #include <stdlib.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A byte buffer at any alignment, with a pattern before and after it that must survive a call.
 #ifndef IMAGEBLEND_TESTS_GUARDED_BYTES_H
 #define IMAGEBLEND_TESTS_GUARDED_BYTES_H

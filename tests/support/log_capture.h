@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Catches the library's log lines. The support library defines __android_log_print, which a program
 // may have to receive them; towards the shared library the executable must export it.
 #ifndef IMAGEBLEND_TESTS_LOG_CAPTURE_H

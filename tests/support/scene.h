@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Inputs of one call: made at random from a seed, or by hand.
 #ifndef IMAGEBLEND_TESTS_SCENE_H
 #define IMAGEBLEND_TESTS_SCENE_H

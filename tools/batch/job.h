@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // One line of a job file: a JSON object whose fields are the arguments of the command blend.
 #ifndef IMAGEBLEND_TOOLS_BATCH_JOB_H
 #define IMAGEBLEND_TOOLS_BATCH_JOB_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Lines of a file or of standard input, without blocking where a poll says that there are bytes.
 #ifndef IMAGEBLEND_TOOLS_BATCH_LINE_READER_H
 #define IMAGEBLEND_TOOLS_BATCH_LINE_READER_H

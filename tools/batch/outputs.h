@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The outputs of a batch: which are there, and which are the same file.
 #ifndef IMAGEBLEND_TOOLS_BATCH_OUTPUTS_H
 #define IMAGEBLEND_TOOLS_BATCH_OUTPUTS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a batch tells on standard error: a bar on a terminal, messages, and the summary.
 #ifndef IMAGEBLEND_TOOLS_BATCH_PROGRESS_H
 #define IMAGEBLEND_TOOLS_BATCH_PROGRESS_H

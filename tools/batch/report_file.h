@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The file of --report: what became of each job, as one JSON object a line.
 #ifndef IMAGEBLEND_TOOLS_BATCH_REPORT_FILE_H
 #define IMAGEBLEND_TOOLS_BATCH_REPORT_FILE_H

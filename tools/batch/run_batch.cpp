@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Runs the jobs of a file in worker processes.
 #include <poll.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Signals that ask a batch to stop: an interrupt, a termination signal or a hang-up.
 #ifndef IMAGEBLEND_TOOLS_BATCH_STOP_H
 #define IMAGEBLEND_TOOLS_BATCH_STOP_H

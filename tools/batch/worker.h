@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A process that blends one job at a time: one that dies of a damaged picture takes only its own job
 // along.
 #ifndef IMAGEBLEND_TOOLS_BATCH_WORKER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The blend as an app gets it that hands mask, zoom and angle to the library: without preparation.
 #ifndef IMAGEBLEND_TOOLS_COMMANDS_BARE_BLEND_H
 #define IMAGEBLEND_TOOLS_COMMANDS_BARE_BLEND_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The sub-commands. Each returns the exit status of a command that ran to its end.
 #ifndef IMAGEBLEND_TOOLS_COMMANDS_COMMANDS_H
 #define IMAGEBLEND_TOOLS_COMMANDS_COMMANDS_H

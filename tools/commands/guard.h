@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What surrounds a command: the start of libvips, and errors turned into messages and statuses.
 #ifndef IMAGEBLEND_TOOLS_COMMANDS_GUARD_H
 #define IMAGEBLEND_TOOLS_COMMANDS_GUARD_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What a job may ask of the preparation.
 #include <charconv>
 #include <cmath>

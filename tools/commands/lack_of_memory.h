@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The end of a process that gets no more memory.
 #ifndef IMAGEBLEND_TOOLS_COMMANDS_LACK_OF_MEMORY_H
 #define IMAGEBLEND_TOOLS_COMMANDS_LACK_OF_MEMORY_H

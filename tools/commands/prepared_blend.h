@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A blend of an object that is cleaned, scaled and turned first, in a frame around its place.
 #ifndef IMAGEBLEND_TOOLS_COMMANDS_PREPARED_BLEND_H
 #define IMAGEBLEND_TOOLS_COMMANDS_PREPARED_BLEND_H

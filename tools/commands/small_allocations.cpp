@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Stands before the C library's allocator. GLib and some codecs crash when a small allocation
 // fails, GLib because it allocates to report it; the process ends in order instead. Those who ask
 // for much, such as the pixels of a picture, get the null pointer that they expect.

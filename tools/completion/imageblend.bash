@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: Apache-2.0
 # Bash completion for imageblend. Source it, or install it as "imageblend" in
 # /usr/share/bash-completion/completions or ~/.local/share/bash-completion/completions.
 

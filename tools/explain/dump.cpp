@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The planes of a blend as files, through the routines for bitmap dumps.
 #include <fcntl.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A page of pictures, boxes and captions that grows downwards.
 #ifndef IMAGEBLEND_TOOLS_EXPLAIN_PAGE_H
 #define IMAGEBLEND_TOOLS_EXPLAIN_PAGE_H

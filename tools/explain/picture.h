@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The one picture that shows a blend from the placement to the result.
 #ifndef IMAGEBLEND_TOOLS_EXPLAIN_PICTURE_H
 #define IMAGEBLEND_TOOLS_EXPLAIN_PICTURE_H

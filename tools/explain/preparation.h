@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the preparation makes of a mask, on the page before the stages.
 #ifndef IMAGEBLEND_TOOLS_EXPLAIN_PREPARATION_H
 #define IMAGEBLEND_TOOLS_EXPLAIN_PREPARATION_H

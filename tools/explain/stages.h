@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The stages of one blend, computed again plane by plane so that they can be shown.
 #ifndef IMAGEBLEND_TOOLS_EXPLAIN_STAGES_H
 #define IMAGEBLEND_TOOLS_EXPLAIN_STAGES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Frames of the destination's size that hold the source and the mask as they are, for the library
 // to turn and zoom.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_BARE_FRAMES_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 #include "pictures/clean_object.h"
 
 #include "pictures/errors.h"

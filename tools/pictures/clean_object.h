@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object alone, as a picture that can be scaled, turned and laid over another.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_CLEAN_OBJECT_H
 #define IMAGEBLEND_TOOLS_PICTURES_CLEAN_OBJECT_H

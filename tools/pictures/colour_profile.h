@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Converts pictures between colour spaces, through the colour profiles (ICC) that they carry.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_COLOUR_PROFILE_H
 #define IMAGEBLEND_TOOLS_PICTURES_COLOUR_PROFILE_H

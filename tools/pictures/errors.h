@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Exit statuses, the error that ends a command, and warnings.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_ERRORS_H
 #define IMAGEBLEND_TOOLS_PICTURES_ERRORS_H

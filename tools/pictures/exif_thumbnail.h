@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The small picture that EXIF data carries along.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_EXIF_THUMBNAIL_H
 #define IMAGEBLEND_TOOLS_PICTURES_EXIF_THUMBNAIL_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The kinds of image files that libvips writes.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_FILE_KIND_H
 #define IMAGEBLEND_TOOLS_PICTURES_FILE_KIND_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Pixels in the layouts that the library takes.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_FRAME_H
 #define IMAGEBLEND_TOOLS_PICTURES_FRAME_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object as it is laid over the destination: scaled, turned and in its place.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_LAYER_H
 #define IMAGEBLEND_TOOLS_PICTURES_LAYER_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What lossy compression, or a film that does not begin at black, leaves in masks.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_MASK_NOISE_H
 #define IMAGEBLEND_TOOLS_PICTURES_MASK_NOISE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The object that is to be pasted: a picture and the mask that marks the object in it.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_OBJECT_H
 #define IMAGEBLEND_TOOLS_PICTURES_OBJECT_H

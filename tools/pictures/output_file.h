@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Writes an image file whole or not at all.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_OUTPUT_FILE_H
 #define IMAGEBLEND_TOOLS_PICTURES_OUTPUT_FILE_H

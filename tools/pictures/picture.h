@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Reads image files of any kind that libvips knows: the picture that is changed, the one that holds
 // the object, and masks.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_PICTURE_H

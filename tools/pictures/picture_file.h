@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Opens image files: which kinds and sizes are read, and standard input.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_PICTURE_FILE_H
 #define IMAGEBLEND_TOOLS_PICTURES_PICTURE_FILE_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Where the object is to stand in the destination: arguments and their meaning.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_PLACEMENT_H
 #define IMAGEBLEND_TOOLS_PICTURES_PLACEMENT_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // A file that takes its name once it is complete.
 #ifndef IMAGEBLEND_TOOLS_PICTURES_TEMPORARY_FILE_H
 #define IMAGEBLEND_TOOLS_PICTURES_TEMPORARY_FILE_H

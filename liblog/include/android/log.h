@@ -1,3 +1,4 @@
+/* SPDX-License-Identifier: Apache-2.0 */
 /*
  * android/log.h - the part of Android's logging interface that libimageblend and its command line
  * use, for platforms that have no Android. It declares the same names with the same meaning, so

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The vector path of 64-bit Arm, whose baseline has it.
 #include "costs.h"
 #include "kernels/arm/neon_rows.h"

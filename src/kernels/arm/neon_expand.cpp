@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The expansion of a row in 128-bit vectors of 64-bit Arm.
 #include "kernels/arm/neon_vectors.h"
 

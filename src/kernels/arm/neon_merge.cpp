@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The merge of a row in 128-bit vectors of 64-bit Arm. Weighted sums widen once and narrow in the
 // rounding shift.
 #include "kernels/arm/neon_vectors.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The way between packed and 4-byte pixels in 128-bit vectors of 64-bit Arm.
 #include "kernels/arm/neon_vectors.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reductions in 128-bit vectors of 64-bit Arm. They stay in 8-bit lanes: halving adds (vhadd
 // rounds down, vrhadd rounds up) give the exact result. As in all files of vectors, rows of a
 // vector and more end with one vector that overlaps the one before it, so no element is handled

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations of the vector files of 64-bit Arm, as row_ops.h describes them.
 #ifndef IMAGEBLEND_KERNELS_ARM_NEON_ROWS_H
 #define IMAGEBLEND_KERNELS_ARM_NEON_ROWS_H

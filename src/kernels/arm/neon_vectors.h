@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the files with vectors of 64-bit Arm share, above all how rows are walked. In-order cores
 // wait for every result that is used at once, so a walk gives them something else to do meanwhile;
 // others lose nothing by it.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Processors without a vector path.
 #include "kernels/row_ops.h"
 

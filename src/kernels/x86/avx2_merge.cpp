@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The merge of a row in 256-bit vectors of x86-64.
 #include "kernels/x86/avx2_vectors.h"
 

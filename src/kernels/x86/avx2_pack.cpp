@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The way between packed and 4-byte pixels in 256-bit vectors of x86-64.
 #include "kernels/x86/avx2_vectors.h"
 

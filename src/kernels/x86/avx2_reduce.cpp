@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reductions in 256-bit vectors of x86-64. As in all files of vectors, rows of a vector and
 // more end with one vector that overlaps the one before it, so no element is handled alone; shorter
 // rows take the plain operations.

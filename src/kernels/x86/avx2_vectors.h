@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the files with 256-bit vectors of x86-64 share. Only for files that are built for AVX2.
 #ifndef IMAGEBLEND_KERNELS_X86_AVX2_VECTORS_H
 #define IMAGEBLEND_KERNELS_X86_AVX2_VECTORS_H

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The reduction of a row of colours in 512-bit vectors of x86-64.
 #include "kernels/x86/avx512_vectors.h"
 

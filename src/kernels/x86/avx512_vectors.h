@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // What the files with 512-bit vectors of x86-64 share: permutes of bytes, one instruction for any
 // 64 of 64 or 128 bytes, where 256-bit vectors shuffle halves.
 #ifndef IMAGEBLEND_KERNELS_X86_AVX512_VECTORS_H

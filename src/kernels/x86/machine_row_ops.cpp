@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // Which of the vector paths of x86-64 this machine can run.
 #include <cpuid.h>
 

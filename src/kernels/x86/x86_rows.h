@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: Apache-2.0
 // The operations of the vector files of x86-64, as row_ops.h describes them. Most of those for 256
 // bits serve the table of wider vectors too.
 #ifndef IMAGEBLEND_KERNELS_X86_X86_ROWS_H
