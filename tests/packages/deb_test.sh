@@ -14,7 +14,7 @@ mkdir -p "$system/var/lib/dpkg/"{info,updates}
 : >"$system/var/lib/dpkg/available"
 # The library's script renews this machine's cache of libraries, which has nothing to do with it.
 mkdir "$work/bin"
-ln -s "$(command -v true)" "$work/bin/ldconfig"
+ln -s "$(type -P true)" "$work/bin/ldconfig"
 PATH=$work/bin:$PATH quietly dpkg --root="$system" --log=/dev/null --force-not-root \
     --force-script-chrootless --force-depends --force-bad-path -i "$work"/packages/*.deb
 for package in libimageblend libimageblend-dev imageblend python3-imageblend; do
