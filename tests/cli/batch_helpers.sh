@@ -30,8 +30,6 @@ reference() {
     echo "$jobs jobs in $SECONDS s"
 }
 
-# The address sanitizer needs address space and descriptors, which some tests limit.
-is_sanitized() { grep -q __asan_init "$tool"; }
 # until_true COMMAND...: waits for it
 until_true() {
     for _ in $(seq 1500); do

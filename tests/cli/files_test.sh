@@ -292,7 +292,8 @@ warnings() {
 
 # Whatever ends a run, the output is whole or not there, and nothing else is.
 signals() {
-    local names=(HUP INT QUIT TERM USR1 USR2 ALRM XCPU PIPE PROF VTALRM ABRT SEGV TRAP SYS RTMIN)
+    local names=(HUP INT QUIT TERM USR1 USR2 ALRM XCPU PIPE PROF VTALRM ABRT TRAP SYS RTMIN)
+    is_sanitized || names+=(SEGV) # a sanitizer takes it
     local i kind name
     vips gaussnoise n.v 1500 1000 && vips cast n.v n2.v uchar
     vips bandjoin "n2.v n2.v n2.v" n3.v && vips copy n3.v noise.png --interpretation srgb

@@ -70,6 +70,9 @@ box_is() {
     near "$2" "object at" "$(vips find_trim light.v --background 0 --threshold 10 | xargs)" "${*:3}"
 }
 
+# The address sanitizer needs address space and descriptors, which some tests limit.
+is_sanitized() { grep -q __asan_init "$tool"; }
+
 # groups NAME...: runs the functions of these names and ends the test.
 groups() {
     for group in "$@"; do
