@@ -44,19 +44,6 @@ BlendFacts bare_facts(const BlendJob& job, const BareBlend& blend) {
     return facts;
 }
 
-// Packed copies of the frames that the blend reads, and its result.
-struct BlendMemory {
-    const Frame &icon, &mask, &destination, &output;
-    int32_t center_x, center_y;
-    float zoom, angle;
-};
-
-BlendStages stages_of(const BlendMemory& memory) {
-    return compute_stages({memory.icon.record(), memory.destination.record(), memory.mask.record(),
-                           memory.output.record(), memory.center_x, memory.center_y, memory.zoom,
-                           memory.angle});
-}
-
 VImage explain_as_is(const BlendJob& job, const std::string& dump_folder) {
     const Photo photo = load_destination(job.destination);
     const VImage& picture = photo.pixels;
@@ -68,9 +55,10 @@ VImage explain_as_is(const BlendJob& job, const std::string& dump_folder) {
     const Frame output = make_frame(size_of(picture), 4);
     blend_bare(blend, icon, destination, output);
     warn_of_placement(job, blend);
-    const BlendStages stages = stages_of(
-        {icon, blend.mask, destination, output, blend.plan->center_x, blend.plan->center_y,
-         static_cast<float>(blend.framed.zoom), blend.placement.angle});
+    const BlendStages stages =
+        compute_stages({icon.record(), destination.record(), blend.mask.record(), output.record(),
+                        blend.plan->center_x, blend.plan->center_y,
+                        static_cast<float>(blend.framed.zoom), blend.placement.angle});
     if (!dump_folder.empty()) dump_stages(stages, dump_folder);
     const BlendFacts facts = bare_facts(job, blend);
     Page page(page_width);
@@ -86,15 +74,14 @@ VImage explain_prepared(const BlendJob& job, const std::string& dump_folder) {
     warn_of_object(blend);
 
     const BlendStages stages =
-        stages_of({blend.frames.icon, blend.frames.mask, destination, blend.frames.destination,
-                   frames.center_x, frames.center_y, 1.0F, 0.0F});
+        compute_stages({frames.icon, destination.record(), frames.mask, frames.destination,
+                        frames.center_x, frames.center_y, 1.0F, 0.0F});
     if (!dump_folder.empty()) dump_stages(stages, dump_folder);
 
     BlendFacts facts = facts_of(job, blend.placement);
     facts.asked = {blend.placement.at.x - blend.left - frames.box.left,
                    blend.placement.at.y - blend.top - frames.box.top};
-    facts.verdict = "fits";
-    if (!blend.layer.cut.empty()) facts.verdict += ", cut off at the " + list(blend.layer.cut);
+    facts.verdict = verdict_text(blend);
     facts.good = true;
     Page page(page_width);
     const int top =

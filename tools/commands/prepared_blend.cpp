@@ -54,7 +54,7 @@ void lay_frames(PreparedBlend& blend, const VImage& destination) {
     frames.box.left -= blend.left;
     frames.box.top -= blend.top;
     const blend_image part = blend.part.record();
-    if (imageblend_lay(&records.layer, &part, &frames, &blend.surroundings) != 0) {
+    if (imageblend_lay(&records.layer, &part, &frames, nullptr) != 0) {
         fail_memory(frames);
     }
 }

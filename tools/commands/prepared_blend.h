@@ -25,7 +25,6 @@ struct PreparedBlend {
     BlendFrames frames;
     Frame part;        // of the destination, as far as the frames lie on it
     int left, top;     // of that part
-    int surroundings;         // pixels of them that came along
     bool lacks_surroundings;  // some were asked for, and the source shows none
 };
 

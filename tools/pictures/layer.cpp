@@ -12,14 +12,13 @@ namespace {
 
 using vips::VImage;
 
-constexpr double pi = 3.14159265358979323846;
-
 // From pixels of a picture to pixels of the destination, both from the top left corner: turned and
 // scaled about `from`, which comes to stand at `to`.
 struct Transform {
     Point from, to;
-    double zoom, cosine, sine;
-    bool moves_only() const { return zoom == 1.0 && sine == 0.0 && cosine == 1.0; }
+    double zoom;
+    Turn turn;
+    bool moves_only() const { return zoom == 1.0 && turn.sine == 0.0 && turn.cosine == 1.0; }
 };
 
 // Half-open, in the destination.
@@ -51,21 +50,15 @@ Point anchor_offset(Anchor anchor, const Reach& reach, double zoom) {
 }
 
 Transform find_transform(const CleanObject& clean, const Placement& placement, const Reach& reach) {
-    const Outline& outline = clean.outline;
-    const double angle = static_cast<double>(placement.angle) * pi / 180.0;
-    const bool upright = placement.angle == 0.0F;
     const Point offset = anchor_offset(placement.anchor, reach, placement.zoom);
-    Transform transform{middle_of(outline),
+    Transform transform{middle_of(clean.outline),
                         {placement.at.x - offset.x, placement.at.y - offset.y},
                         placement.zoom,
-                        upright ? 1.0 : std::cos(angle),
-                        upright ? 0.0 : std::sin(angle)};
+                        turn_by(static_cast<double>(placement.angle))};
     if (transform.moves_only()) {
         // To whole pixels.
-        transform.to.x +=
-            std::floor(transform.to.x - transform.from.x) - (transform.to.x - transform.from.x);
-        transform.to.y +=
-            std::floor(transform.to.y - transform.from.y) - (transform.to.y - transform.from.y);
+        const Point from = transform.from, to = transform.to;
+        transform.to = {from.x + std::floor(to.x - from.x), from.y + std::floor(to.y - from.y)};
     }
     return transform;
 }
@@ -110,8 +103,8 @@ VImage resample(const VImage& image, Transform transform, const Window& window) 
     const double n = std::floor(1.0 / transform.zoom);
     if (n >= 2.0) from = shrink(from, static_cast<int>(n), transform);
     if (transform.zoom < 1.0) from = soften(from, transform.zoom);
-    const double across = transform.zoom * transform.cosine;
-    const double along = transform.zoom * transform.sine;
+    const double across = transform.zoom * transform.turn.cosine;
+    const double along = transform.zoom * transform.turn.sine;
     // libvips counts from the middle of the first pixel.
     const VImage turned = from.affine(
         {across, along, -along, across},

@@ -108,10 +108,13 @@ Point middle_of(const Outline& outline) {
     return {outline.left + outline.width / 2.0, outline.top + outline.height() / 2.0};
 }
 
-Reach find_reach(const Outline& outline, const Point& centre, double angle_degrees) {
+Turn turn_by(double angle_degrees) {
     const double angle = angle_degrees * pi / 180.0;
-    const double cosine = angle_degrees == 0.0 ? 1.0 : std::cos(angle);
-    const double sine = angle_degrees == 0.0 ? 0.0 : std::sin(angle);
+    return {std::cos(angle), std::sin(angle)};
+}
+
+Reach find_reach(const Outline& outline, const Point& centre, double angle_degrees) {
+    const auto [cosine, sine] = turn_by(angle_degrees);
     Reach reach{};
     for (int row = 0; row < outline.height(); row++) {
         const Span span = outline.rows[static_cast<size_t>(row)];

@@ -70,6 +70,12 @@ struct Point {
 };
 Point middle_of(const Outline& outline);
 
+// Of an angle in degrees, counter-clockwise; exactly 1 and 0 for 0.
+struct Turn {
+    double cosine, sine;
+};
+Turn turn_by(double angle_degrees);
+
 // How far the object reaches from a point that it is turned about, and the pixels of the unturned
 // mask that reach so far: left, right, up, down. Nothing is below 0.
 struct Reach {
