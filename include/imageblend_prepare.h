@@ -53,6 +53,8 @@ typedef struct imageblend_source {
                                 picture's size. Null: byte 0 of the picture's pixels is that */
 } imageblend_source;
 
+#define IMAGEBLEND_LARGEST_GROWTH 16
+
 typedef struct imageblend_clean_options {
     int32_t fit; /* other than 0: the outline may be moved to where the picture's colours change */
     float grow;  /* then the outline moves outwards by so many pixels, inwards when negative;
@@ -122,6 +124,7 @@ IMAGEBLEND_API int32_t imageblend_clean(const imageblend_source* source,
 /* Surroundings as wide as they match, IMAGEBLEND_SURROUNDINGS_WIDEST at most. */
 #define IMAGEBLEND_SURROUNDINGS_AUTO (-1)
 #define IMAGEBLEND_SURROUNDINGS_WIDEST 32
+#define IMAGEBLEND_LARGEST_REACH 256
 
 /* An object that is to stand in a destination. */
 typedef struct imageblend_layer {

@@ -14,6 +14,12 @@ static inline int32_t float_to_i32(float value) {
     return value == value ? (int32_t)value : 0;
 }
 
+// The nearest byte, half rounded up.
+static inline uint8_t float_to_byte(float value) {
+    const int32_t level = float_to_i32(value + 0.5f);
+    return (uint8_t)(level < 0 ? 0 : (level > 255 ? 255 : level));
+}
+
 static inline int32_t saturate_i32(int64_t value) {
     if (value > INT32_MAX) return INT32_MAX;
     if (value < INT32_MIN) return INT32_MIN;

@@ -15,10 +15,10 @@ enum { CLEAN_MARGIN = 48 };
 // The outline of a soft mask that lies nearer to the picture's edge than this is better left alone:
 // the fit is not more certain.
 static const float certain_fit = 0.75f;
-enum { LARGEST_GROWTH = 16 };
 // Distances that the fit and the pixels along a moved outline need; grown, so much more.
 enum { DISTANCE_FIT = 16 };
-static_assert(DISTANCE_FIT + LARGEST_GROWTH <= DISTANCE_LONGEST, "a grown outline is in reach");
+static_assert(DISTANCE_FIT + IMAGEBLEND_LARGEST_GROWTH <= DISTANCE_LONGEST,
+              "a grown outline is in reach");
 
 int32_t imageblend_clean_box(const imageblend_source* source, imageblend_box* box) {
     if (!source_is_valid(source) || box == NULL) return -1;
@@ -55,16 +55,11 @@ typedef struct clean_run {
     colour_planes planes;
 } clean_run;
 
-static uint8_t ramp_to_byte(float value) {
-    const int32_t byte = float_to_i32(value + 0.5f);
-    return (uint8_t)(byte < 0 ? 0 : (byte > 255 ? 255 : byte));
-}
-
 // Alpha that passes 128 at the outline, `inwards` pixels from the one that the distance is to.
 static uint8_t outline_alpha(int16_t distance, float inwards) {
     const float width = 1.5f;
-    return ramp_to_byte(127.5f +
-                        255.0f / width * ((float)distance / (float)DISTANCE_ONE - inwards));
+    return float_to_byte(127.5f +
+                         255.0f / width * ((float)distance / (float)DISTANCE_ONE - inwards));
 }
 
 static int64_t pixel_count(const clean_run* run) {
@@ -134,7 +129,7 @@ static void grow_alpha(const clean_run* run, float grow) {
 }
 
 static uint8_t weight_beyond(float depth) {
-    return ramp_to_byte((depth - 0.5f) * (255.0f / 1.5f));
+    return float_to_byte((depth - 0.5f) * (255.0f / 1.5f));
 }
 
 // Along an outline that is a guess, examples lie two pixels away from it.
@@ -240,7 +235,7 @@ int32_t imageblend_clean(const imageblend_source* source, const imageblend_clean
     if (!has_size(object, box->width, box->height)) return -1;
     const imageblend_clean_options standard = {1, 0.0f};
     if (options == NULL) options = &standard;
-    if (!(fabsf(options->grow) <= (float)LARGEST_GROWTH)) return -1;
+    if (!(fabsf(options->grow) <= (float)IMAGEBLEND_LARGEST_GROWTH)) return -1;
 
     clean_run run = {source, box, {}, 0.0f, NULL, {}};
     uint8_t* planes = alloc_planes(&run);

@@ -33,11 +33,6 @@ static colour colour_at(uint8_t* const planes[3], int64_t i) {
     return {{(float)planes[0][i], (float)planes[1][i], (float)planes[2][i]}};
 }
 
-static uint8_t to_byte(float value) {
-    const int32_t rounded = float_to_i32(value + 0.5f);
-    return (uint8_t)(rounded < 0 || value < 0.0f ? 0 : (rounded > 255 ? 255 : rounded));
-}
-
 // What is left of the picture after both colours, shared out by the squares of their parts.
 typedef struct residual {
     float object, behind;
@@ -94,8 +89,8 @@ static void make_examples(const colour_planes* planes, const wide_means* means,
             for (int c = 0; c < 3; c++) {
                 const float object = wide.object.channel[c], behind = wide.behind.channel[c];
                 const residual rest = share((float)planes->seen[c][i], object, behind, alpha);
-                made->object[c][i] = to_byte(object + rest.object);
-                made->behind[c][i] = to_byte(behind + rest.behind);
+                made->object[c][i] = float_to_byte(object + rest.object);
+                made->behind[c][i] = float_to_byte(behind + rest.behind);
             }
         }
     }
@@ -265,7 +260,7 @@ static void clean_pixel(cleaning* work, const block* from, int64_t x, int64_t y)
     if (work->how == COLOURS_OUTLINE) clean = clean_outline(planes, i, &near);
     if (work->how == COLOURS_CUT_OUT) note_doubt(planes, x, y, &near, &work->doubt);
     for (int c = 0; c < 3; c++)
-        work->object[4 * i + 1 + c] = to_byte(clean.channel[c]);
+        work->object[4 * i + 1 + c] = float_to_byte(clean.channel[c]);
 }
 
 static bool row_is_soft(const colour_planes* planes, int64_t left, int64_t right, int64_t y) {

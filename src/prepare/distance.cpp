@@ -131,11 +131,9 @@ static void smooth(int16_t* plane, int64_t width, int64_t height, int16_t* rows)
     memcpy(above2, plane, (size_t)width * sizeof *plane);
     for (int64_t y = 0; y < height; y++) {
         int16_t* row = plane + y * width;
-        const int16_t* below1 = plane + min_i64(y + 1, height - 1) * width;
-        const int16_t* below2 = plane + min_i64(y + 2, height - 1) * width;
         memcpy(centre, row, (size_t)width * sizeof *row);
-        const int16_t* next1 = y + 1 < height ? below1 : centre;
-        const int16_t* next2 = y + 2 < height ? below2 : next1;
+        const int16_t* next1 = y + 1 < height ? row + width : centre;
+        const int16_t* next2 = y + 2 < height ? row + 2 * width : next1;
         for (int64_t x = 0; x < width; x++)
             row[x] = smooth5(above2[x], above1[x], centre[x], next1[x], next2[x]);
         int16_t* const oldest = above2;

@@ -62,11 +62,6 @@ static void lay_over(const uint8_t* colour, int alpha, uint8_t* pixel) {
     pixel[0] = (uint8_t)((both + 127) / 255);
 }
 
-static uint8_t lit(int channel, float gain) {
-    const int32_t level = float_to_i32((float)channel * gain + 0.5f);
-    return (uint8_t)(level < 255 ? level : 255);
-}
-
 // A row of the object alone. Byte 0 of an icon's pixel becomes how much of it is new.
 static void lay_object(const uint8_t* object, const uint8_t* under, int64_t count, uint8_t* icon) {
     for (int64_t i = 0; i < 4 * count; i += 4) {
@@ -93,7 +88,8 @@ static void lay_with_surroundings(const uint8_t* object, const uint8_t* from,
             const float own = (float)alpha / 255.0f;
             uint8_t colour[4] = {0};
             for (int c = 1; c <= 3; c++)
-                colour[c] = lit(from[c], gain[c - 1] + (1.0f - gain[c - 1]) * own);
+                colour[c] =
+                    float_to_byte((float)from[c] * (gain[c - 1] + (1.0f - gain[c - 1]) * own));
             lay_over(colour, rest, icon);
         }
         icon[0] = (uint8_t)(alpha + rest);

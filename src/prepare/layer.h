@@ -5,8 +5,6 @@
 
 #include "imageblend_prepare.h"
 
-enum { LARGEST_REACH = 256 };
-
 // Half-open, with room for any place and size.
 typedef struct span_box {
     int64_t left, top, right, bottom;

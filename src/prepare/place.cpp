@@ -26,7 +26,8 @@ static int64_t mask_growth(int64_t shorter) {
 
 bool layer_is_valid(const imageblend_layer* layer) {
     if (layer == NULL || !picture_is_valid(layer->object)) return false;
-    if (layer->reach < IMAGEBLEND_SURROUNDINGS_AUTO || layer->reach > LARGEST_REACH) return false;
+    if (layer->reach < IMAGEBLEND_SURROUNDINGS_AUTO || layer->reach > IMAGEBLEND_LARGEST_REACH)
+        return false;
     return layer->surroundings == NULL ||
            has_size(layer->surroundings, layer->object->width, layer->object->height);
 }

@@ -6,7 +6,7 @@
 #include "memory.h"
 
 // Distances in thirds of a pixel: 3 to a neighbour in the row or column, 4 across.
-enum { STRAIGHT = 3, ACROSS = 4, NO_DISTANCE = 3 * (LARGEST_REACH + 1) };
+enum { STRAIGHT = 3, ACROSS = 4, NO_DISTANCE = 3 * (IMAGEBLEND_LARGEST_REACH + 1) };
 
 // Ratios are in 1/256, up to 8.
 enum { RATIO_ONE = 256, RATIOS = 8 * RATIO_ONE };
@@ -19,35 +19,31 @@ static uint16_t least(uint16_t a, int b) {
     return a < b ? a : (uint16_t)b;
 }
 
+// Passes distances on along a row, from the row before it (null if none) and from pixel to pixel:
+// forwards with a step of 1, backwards with -1.
+static void spread_row(const uint16_t* before, int64_t width, int64_t step, uint16_t* row) {
+    const int64_t first = step > 0 ? 0 : width - 1;
+    for (int64_t i = 0, x = first; i < width; i++, x += step) {
+        uint16_t d = row[x];
+        if (i > 0) d = least(d, row[x - step] + STRAIGHT);
+        if (before != NULL) {
+            d = least(d, before[x] + STRAIGHT);
+            if (x > 0) d = least(d, before[x - 1] + ACROSS);
+            if (x + 1 < width) d = least(d, before[x + 1] + ACROSS);
+        }
+        row[x] = d;
+    }
+}
+
 // Distances to the pixels that hold 0, in two passes over the plane.
 static void spread_distances(uint16_t* plane, int64_t width, int64_t height) {
     for (int64_t y = 0; y < height; y++) {
         uint16_t* row = plane + y * width;
-        const uint16_t* above = y > 0 ? row - width : NULL;
-        for (int64_t x = 0; x < width; x++) {
-            uint16_t d = row[x];
-            if (x > 0) d = least(d, row[x - 1] + STRAIGHT);
-            if (above != NULL) {
-                d = least(d, above[x] + STRAIGHT);
-                if (x > 0) d = least(d, above[x - 1] + ACROSS);
-                if (x + 1 < width) d = least(d, above[x + 1] + ACROSS);
-            }
-            row[x] = d;
-        }
+        spread_row(y > 0 ? row - width : NULL, width, 1, row);
     }
     for (int64_t y = height - 1; y >= 0; y--) {
         uint16_t* row = plane + y * width;
-        const uint16_t* below = y + 1 < height ? row + width : NULL;
-        for (int64_t x = width - 1; x >= 0; x--) {
-            uint16_t d = row[x];
-            if (x + 1 < width) d = least(d, row[x + 1] + STRAIGHT);
-            if (below != NULL) {
-                d = least(d, below[x] + STRAIGHT);
-                if (x > 0) d = least(d, below[x - 1] + ACROSS);
-                if (x + 1 < width) d = least(d, below[x + 1] + ACROSS);
-            }
-            row[x] = d;
-        }
+        spread_row(y + 1 < height ? row + width : NULL, width, -1, row);
     }
 }
 

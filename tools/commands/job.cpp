@@ -6,19 +6,14 @@
 #include "commands/commands.h"
 
 namespace tool {
-namespace {
-
-constexpr int most_surroundings = 256;
-constexpr double most_growth = 16.0;
-
-}  // namespace
 
 int parse_surroundings(const std::string& text) {
     if (text == "auto") return IMAGEBLEND_SURROUNDINGS_AUTO;
     int pixels = -1;
     const char* const end = text.data() + text.size();
     const auto parsed = std::from_chars(text.data(), end, pixels);
-    if (parsed.ec != std::errc() || parsed.ptr != end || pixels < 0 || pixels > most_surroundings) {
+    if (parsed.ec != std::errc() || parsed.ptr != end || pixels < 0 ||
+        pixels > IMAGEBLEND_LARGEST_REACH) {
         throw Error(Exit::usage, "--surroundings " + text +
                                      ": must be auto or a whole number of "
                                      "pixels from 0 to 256");
@@ -28,7 +23,7 @@ int parse_surroundings(const std::string& text) {
 
 void check_preparation(const BlendJob& job) {
     const double grow = job.clean.grow;
-    if (!(std::abs(grow) <= most_growth)) {
+    if (!(std::abs(grow) <= IMAGEBLEND_LARGEST_GROWTH)) {
         throw Error(Exit::usage,
                     "--grow " + short_text(grow) + ": must be a number from -16 to 16");
     }
