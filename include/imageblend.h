@@ -37,7 +37,7 @@
  *
  * THREADS. Every function may run at any time, on any thread, beside any other call: each call owns
  * what it works on. Only buffers that a call writes must not be in use elsewhere meanwhile.
- * vorn_imageBlending may use up to four worker threads of its own, which are joined before it
+ * vorn_imageBlending may use up to three threads beside the caller's, which are joined before it
  * returns.
  *
  * DIAGNOSTICS. Messages go to the Android log under the tag "IMAGE_BLENDING". On other platforms

@@ -6,13 +6,17 @@
 // About as many pixels of a blend as one thread gets through in a millisecond.
 enum { PLAIN_PIXELS_A_MS = 50000, ARM_PIXELS_A_MS = 250000, X86_PIXELS_A_MS = 1000000 };
 
-// Work of less than this is done sooner by the caller alone: starting and joining four threads
-// takes 0.1 to 0.3 ms, and at most half of the work is saved where there are two cores.
-enum { THREADED_MS = 2 };
+// Work of less than this is done sooner by the caller alone: starting a thread takes 10 to 30 us and
+// saves at most half of the work where there are two cores.
+enum { THREADED_US = 200 };
 
-// A stage of less than this part of it runs in the caller all the same: handing it over costs 20 to
-// 60 us.
-enum { THREADED_STAGE_PARTS = 4 };
+// A stage of less than this is done by the caller all the same: telling a helper that looks for work
+// and waiting for it takes 1 to 2 us.
+enum { THREADED_STAGE_US = 4 };
+
+// A piece of a stage is about as long. Longer ones leave one side waiting for the other's last one;
+// shorter ones work out more rows twice.
+enum { PIECE_US = 6 };
 
 // Turning a pixel takes about twice as long as blending it, copying one a fifth of that.
 enum { TURNED_PIXEL_COST = 2, COPIED_PIXELS_A_COST = 5 };

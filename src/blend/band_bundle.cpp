@@ -108,13 +108,9 @@ void band_bundle_dst(const band_bundle* bundle) {
     reduce_mask(bundle);
 }
 
-void* band_bundle_down(void* arg) {
-    const band_bundle* bundle = (const band_bundle*)arg;
+void band_bundle_down(const band_bundle* bundle) {
     band_bundle_src(bundle);
     band_bundle_dst(bundle);
-    share_work(bundle->beside);
-    pool_signal_done(bundle->pool);
-    return NULL;
 }
 
 // Coarse rows wait in rings, already as wide as the finer level.
@@ -166,7 +162,7 @@ static void make_row(const band_bundle* bundle, int32_t row, const merge_scratch
     store_rows(&fine->result, row, 1, width, out);
 }
 
-static void collapse_rows(const band_bundle* bundle) {
+void band_bundle_collapse(const band_bundle* bundle) {
     const int32_t coarse_height = bundle->coarse->height;
     const merge_scratch scratch = split_for_merge(bundle->scratch, bundle->fine->width);
     if (bundle->begin > 0) fill_rings(bundle, bundle->begin - 1, &scratch);
@@ -180,13 +176,6 @@ static void collapse_rows(const band_bundle* bundle) {
     if (is_last && 2 * coarse_height < bundle->fine->height) {
         make_row(bundle, 2 * coarse_height, &scratch);
     }
-}
-
-void* band_bundle_collapse(void* arg) {
-    const band_bundle* bundle = (const band_bundle*)arg;
-    if (bundle->begin < bundle->end) collapse_rows(bundle);
-    pool_signal_done(bundle->pool);
-    return NULL;
 }
 
 void merge_top_rows(const pyramid_level* top, int32_t begin, int32_t end, uint8_t* scratch) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// One band's share of a step from one pyramid level to the next, as one pool task.
+// One band's share of a step from one pyramid level to the next, as one piece of work.
 //
 // On the way down a bundle walks its band in strips of a few rows, on the way up row by row, and
 // runs its kernels on each in turn, so that what one kernel leaves for the next stays in the cache:
@@ -11,8 +11,6 @@
 #include <stddef.h>
 
 #include "blend/patch.h"
-#include "blend/side_work.h"
-#include "pool/thread_pool.h"
 
 // The three pictures of one level and their mask.
 typedef struct pyramid_level {
@@ -26,8 +24,6 @@ typedef struct band_bundle {
     const pyramid_level* coarse;
     int32_t begin, end;  // the band's rows of the coarser level
     uint8_t* scratch;    // private to the band, as large as band_scratch_bytes says
-    side_work* beside;   // what the way down helps with when its own rows are done; may be null
-    thread_pool* pool;   // null when the bundle runs in the caller
 } band_bundle;
 
 // Bytes of scratch that a band needs for a level of `width` pixels and all coarser ones, a multiple
@@ -38,12 +34,12 @@ size_t band_scratch_bytes(int32_t width);
 void band_bundle_src(const band_bundle* bundle);
 void band_bundle_dst(const band_bundle* bundle);
 
-// Pool tasks; `bundle` is a band_bundle. Each ends with pool_signal_done and returns null.
-//   band_bundle_down      both of the above
-//   band_bundle_collapse  the way up: both Laplacian levels, their blend and its sum with the
-//                         coarser result, for all fine rows of the band's coarse rows
-void* band_bundle_down(void* bundle);
-void* band_bundle_collapse(void* bundle);
+// Both of the above.
+void band_bundle_down(const band_bundle* bundle);
+
+// The way up: both Laplacian levels, their blend and its sum with the coarser result, for all fine
+// rows of the band's coarse rows.
+void band_bundle_collapse(const band_bundle* bundle);
 
 // The coarsest level of all has nothing to be expanded: rows [begin, end) of the pictures blended
 // under their mask.

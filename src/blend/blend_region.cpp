@@ -78,7 +78,7 @@ static bool open_source(const blend_image* src, const row_work* fill, const blen
     resize->dst_height = box->zoom_height;
     resize->dst = (uint8_t*)alloc_plane(box->zoom_width, box->zoom_height, 3);
     if (!open_resize(resize) || resize->dst == NULL) return false;
-    source->resize_work = {resize_band, resize, box->zoom_height,
+    source->resize_work = {resize_part, resize, box->zoom_height,
                            (int64_t)box->zoom_width * box->zoom_height};
     source->prepare[1] = &source->resize_work;
     source->rectangle = packed_patch(resize->dst, box->zoom_width, box->zoom_height);
@@ -104,7 +104,7 @@ static int32_t blend_streamed(const blend_source* src, const patch* dst, const u
     result.frame.data = copy->to->data;
     const int32_t pieces = copy_pieces(copy);
     const int64_t cost = (int64_t)pieces * COPY_ROWS * copy->from->width / COPIED_PIXELS_A_COST;
-    side_work beside = {copy_piece, copy, pieces, 0, cost};
+    const side_work beside = {copy_piece, copy, pieces, cost};
     const blend_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
     return pyramid_blend(&src->rectangle, dst, mask, &result, ws, &extras);
 }

@@ -5,17 +5,18 @@
 #include "blend/threading.h"
 #include "costs.h"
 #include "memory.h"
-
-enum { BAND_COUNT = 4 };
+#include "pool/free_cores.h"
+#include "pool/team.h"
 
 // What all stages of one blend share.
 typedef struct pyramid {
     pyramid_level levels[MAX_LEVELS + 1];  // the finest first
     int32_t top;                           // index of the coarsest
-    thread_pool* pool;                     // null when everything runs in the caller
-    int64_t least_stage_pixels;            // smaller levels run in the caller all the same
-    side_work* beside;                     // may be null
-    uint8_t* band_scratch[BAND_COUNT];
+    team workers;
+    thread_limits limits;
+    const side_work* beside;  // null when it is done, or where there is none
+    uint8_t* scratch;         // of each worker in turn
+    size_t scratch_bytes;     // of one
 } pyramid;
 
 // All work of the call, in pixels of a blend.
@@ -55,108 +56,125 @@ static void place_levels(const blend_workspace* ws, pyramid* p) {
     }
 }
 
-// The caller alone needs one scratch.
-static bool alloc_band_scratch(pyramid* p) {
-    const size_t bytes = band_scratch_bytes(p->levels[0].width);
-    const int64_t count = p->pool != NULL ? BAND_COUNT : 1;
-    uint8_t* scratch = (uint8_t*)alloc_plane((int64_t)bytes, count, 1);
-    for (int32_t k = 0; k < BAND_COUNT && scratch != NULL; k++) {
-        p->band_scratch[k] = scratch + (p->pool != NULL ? (size_t)k * bytes : 0);
-    }
-    return scratch != NULL;
+static bool alloc_scratch(pyramid* p) {
+    p->scratch_bytes = band_scratch_bytes(p->levels[0].width);
+    p->scratch = (uint8_t*)alloc_plane((int64_t)p->scratch_bytes, p->workers.helpers + 1, 1);
+    return p->scratch != NULL;
 }
 
-// The first row of band k of `rows` rows; the last band takes the remainder.
-static int32_t band_start(int32_t rows, int32_t k) {
-    return k < BAND_COUNT ? k * (rows / BAND_COUNT) : rows;
+static uint8_t* scratch_of(const pyramid* p, int32_t worker) {
+    return p->scratch + (size_t)worker * p->scratch_bytes;
 }
 
-// Runs a task for each of four arguments that lie `arg_bytes` apart on the pool's threads and
-// returns when all are done.
-static void run_bands(pyramid* p, void* (*routine)(void*), void* args, size_t arg_bytes) {
-    pool_reset_done(p->pool);
-    for (size_t k = 0; k < BAND_COUNT; k++)
-        pool_add_task(p->pool, routine, (uint8_t*)args + k * arg_bytes);
-    share_work(p->beside);
-    pool_help(p->pool);
-    pool_wait_done(p->pool, BAND_COUNT);
+// Rows of a stage that make a piece, a multiple of STRIP_ROWS; all where nobody shares the stage.
+// `pixels` is what the stage costs.
+static int32_t rows_in_piece(const pyramid* p, int32_t rows, int64_t pixels) {
+    if (p->workers.helpers == 0 || pixels < p->limits.least_stage) return (int32_t)max_i64(rows, 1);
+    const int64_t wanted = p->limits.piece * rows / max_i64(pixels, 1);
+    return (int32_t)min_i64((wanted / STRIP_ROWS + 1) * STRIP_ROWS, max_i64(rows, 1));
 }
 
-// A band of work on rows, as one pool task.
-typedef struct row_band {
+static int32_t pieces_of(int32_t rows, int32_t rows_in_piece) {
+    return (int32_t)(((int64_t)rows + rows_in_piece - 1) / rows_in_piece);
+}
+
+// A stage of work on rows, cut into pieces.
+typedef struct row_stage {
     const row_work* work;
-    int32_t band;
-    thread_pool* pool;
-    side_work* beside;
-} row_band;
+    int32_t rows;  // in a piece
+} row_stage;
 
-static void* run_row_band(void* arg) {
-    const row_band* task = (const row_band*)arg;
-    const row_work* work = task->work;
-    work->rows(work->arg, task->band, band_start(work->height, task->band),
-               band_start(work->height, task->band + 1));
-    share_work(task->beside);
-    pool_signal_done(task->pool);
-    return NULL;
+static void do_row_piece(void* arg, int32_t worker, int32_t index) {
+    const row_stage* stage = (const row_stage*)arg;
+    const row_work* work = stage->work;
+    const int32_t begin = index * stage->rows;
+    work->rows(work->arg, worker, begin,
+               (int32_t)min_i64((int64_t)begin + stage->rows, work->height));
 }
 
 static void run_rows(pyramid* p, const row_work* work) {
-    row_band bands[BAND_COUNT];
-    for (int32_t k = 0; k < BAND_COUNT; k++)
-        bands[k] = {work, k, p->pool, p->beside};
-    run_bands(p, run_row_band, bands, sizeof bands[0]);
+    row_stage rows = {work, rows_in_piece(p, work->height, work->pixels)};
+    const team_stage stage = {do_row_piece, &rows, pieces_of(work->height, rows.rows)};
+    run_stage(&p->workers, &stage);
 }
 
-// Whether a stage of the level is worth waking threads and waiting for them; the caller does it
-// whole otherwise. The finest level has all other work beside or before it.
-static bool uses_threads(const pyramid* p, int32_t level) {
-    const int64_t pixels = (int64_t)p->levels[level].width * p->levels[level].height;
-    return p->pool != NULL && (level == 0 || pixels >= p->least_stage_pixels);
-}
+// A step between a level and the next coarser one, cut by the rows of the latter. The pieces of the
+// work beside come behind those of the step.
+typedef struct level_step {
+    const pyramid* p;
+    void (*rows)(const band_bundle* bundle);
+    band_bundle all;     // without scratch
+    int32_t piece_rows;  // of the coarser level
+    int32_t pieces;
+} level_step;
 
-// A step between `level` and the next coarser one.
-static void run_step(pyramid* p, int32_t level, void* (*routine)(void*)) {
-    const pyramid_level *fine = &p->levels[level], *coarse = &p->levels[level + 1];
-    if (!uses_threads(p, level)) {
-        band_bundle whole = {fine, coarse, 0, coarse->height, p->band_scratch[0], p->beside, NULL};
-        routine(&whole);
+static void do_step_piece(void* arg, int32_t worker, int32_t index) {
+    const level_step* step = (const level_step*)arg;
+    if (index >= step->pieces) {
+        const side_work* beside = step->p->beside;
+        beside->piece(beside->arg, index - step->pieces);
         return;
     }
-    band_bundle bundles[BAND_COUNT];
-    for (int32_t k = 0; k < BAND_COUNT; k++) {
-        bundles[k] = {fine,
-                      coarse,
-                      band_start(coarse->height, k),
-                      band_start(coarse->height, k + 1),
-                      p->band_scratch[k],
-                      p->beside,
-                      p->pool};
-    }
-    run_bands(p, routine, bundles, sizeof bundles[0]);
+    band_bundle piece = step->all;
+    piece.begin = index * step->piece_rows;
+    piece.end = (int32_t)min_i64((int64_t)piece.begin + step->piece_rows, step->all.end);
+    piece.scratch = scratch_of(step->p, worker);
+    step->rows(&piece);
 }
 
-static void merge_top_band(void* arg, int32_t band, int32_t begin, int32_t end) {
+static void run_step(pyramid* p, int32_t level, void (*rows)(const band_bundle* bundle)) {
+    const pyramid_level *fine = &p->levels[level], *coarse = &p->levels[level + 1];
+    const int64_t pixels = (int64_t)fine->width * fine->height;
+    level_step step = {p, rows, {fine, coarse, 0, coarse->height, NULL}, 0, 0};
+    step.piece_rows = rows_in_piece(p, coarse->height, pixels);
+    step.pieces = pieces_of(coarse->height, step.piece_rows);
+    const int32_t others = p->beside != NULL ? p->beside->count : 0;
+    const team_stage stage = {do_step_piece, &step, step.pieces + others};
+    run_stage(&p->workers, &stage);
+    p->beside = NULL;
+}
+
+static void do_side_piece(void* arg, int32_t, int32_t index) {
+    const side_work* work = (const side_work*)arg;
+    work->piece(work->arg, index);
+}
+
+// Where no way down does it.
+static void run_side_work(pyramid* p) {
+    if (p->beside == NULL) return;
+    side_work work = *p->beside;
+    const team_stage stage = {do_side_piece, &work, work.count};
+    run_stage(&p->workers, &stage);
+}
+
+static void merge_top(void* arg, int32_t worker, int32_t begin, int32_t end) {
     const pyramid* p = (const pyramid*)arg;
-    merge_top_rows(&p->levels[p->top], begin, end, p->band_scratch[band]);
+    merge_top_rows(&p->levels[p->top], begin, end, scratch_of(p, worker));
 }
 
 static void run_stages(pyramid* p, const blend_extras* extras) {
     for (const row_work* work : extras->prepare) {
-        if (work != NULL && p->pool != NULL) run_rows(p, work);
-        if (p->pool == NULL) do_rows(work);
+        if (work != NULL) run_rows(p, work);
     }
-    // With a single level the first stage writes the result already.
-    if (p->top == 0) share_work(p->beside);
     for (int32_t l = 0; l < p->top; l++)
         run_step(p, l, band_bundle_down);
-    const row_work top = {merge_top_band, p, p->levels[p->top].height, 0};
-    if (uses_threads(p, p->top)) {
-        run_rows(p, &top);
-    } else {
-        do_rows(&top);
-    }
+    // With a single level the first stage writes the result already.
+    if (p->top == 0) run_side_work(p);
+    const pyramid_level* top = &p->levels[p->top];
+    const row_work merge = {merge_top, p, top->height, (int64_t)top->width * top->height};
+    run_rows(p, &merge);
     for (int32_t l = p->top - 1; l >= 0; l--)
         run_step(p, l, band_bundle_collapse);
+}
+
+// Opens a team that suits the work, with the caller alone where it is small.
+static void open_workers(pyramid* p, int64_t pixels) {
+    int32_t helpers = 0;
+    p->limits = find_thread_limits();
+    if (pixels >= p->limits.least_call) {
+        helpers = (int32_t)min_i64(free_cores() - 1, TEAM_MAX_HELPERS);
+    }
+    open_team(&p->workers, helpers);
 }
 
 int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, const patch* result,
@@ -170,18 +188,10 @@ int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, c
     p.levels[0].result = *result;
     p.levels[0].mask = (uint8_t*)(uintptr_t)mask;  // only read
     p.beside = extras->beside;
-    p.pool = NULL;
-    p.least_stage_pixels = 0;
-    p.band_scratch[0] = NULL;
-    const int64_t threaded_pixels = least_threaded_pixels();
-    if (work_pixels(ws, extras) >= threaded_pixels) {
-        thread_pool* pool = NULL;
-        if (pool_init(&pool, BAND_COUNT) == 0) p.pool = pool;
-        p.least_stage_pixels = threaded_pixels / THREADED_STAGE_PARTS;
-    }
-    const bool done = alloc_band_scratch(&p);
+    open_workers(&p, work_pixels(ws, extras));
+    const bool done = alloc_scratch(&p);
     if (done) run_stages(&p, extras);
-    if (p.pool != NULL) pool_destroy(p.pool);
-    free(p.band_scratch[0]);
+    close_team(&p.workers);
+    free(p.scratch);
     return done ? 0 : -1;
 }

@@ -10,7 +10,7 @@
 // Work besides the blend itself.
 typedef struct blend_extras {
     const row_work* prepare[2];  // fills the source, one after the other; null where there is none
-    side_work* beside;           // null where there is none
+    const side_work* beside;     // null where there is none
 } blend_extras;
 
 // Blends `src` over `dst` under `mask` into `result`, rectangles of ws->width x ws->height pixels;
@@ -23,10 +23,10 @@ typedef struct blend_extras {
 //
 // The preparing work comes first. The way down then reduces both pictures and the mask level by
 // level; the way up makes, row by row, both Laplacian levels, their blend and its sum with the
-// coarser result. The work beside is done before the first row of the result is written. Every
-// stage cuts a level into four bands of rows, which run on a pool of four threads that exists
-// during the call, or in the caller where the work is small or no thread can be started, with the
-// same result.
+// coarser result. The work beside is done before the first row of the result is written. Large
+// stages are cut into pieces of rows, which the caller and as many threads as there are free cores,
+// four in all, take one after the other; the threads exist during the call. Where the work is small
+// or no thread can be started the caller does everything, with the same result.
 //
 // Returns 0, or -1 with nothing done when scratch memory cannot be had.
 int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, const patch* result,

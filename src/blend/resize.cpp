@@ -126,12 +126,12 @@ static const uint8_t* window_row(row_window* w, size_t row) {
     return w->resized[slot];
 }
 
-void resize_band(void* arg, int32_t band, int32_t begin, int32_t end) {
+void resize_part(void* arg, int32_t worker, int32_t begin, int32_t end) {
     const rectangle_resize* r = (const rectangle_resize*)arg;
     const size_t row_bytes = 3 * (size_t)r->dst_width;
     row_window w;
     w.resize = r;
-    w.cut = r->rows + (size_t)band * window_bytes(r);
+    w.cut = r->rows + (size_t)worker * window_bytes(r);
     w.resized[0] = w.cut + cut_bytes(r);
     w.resized[1] = w.resized[0] + row_bytes;
     w.row[0] = w.row[1] = -1;

@@ -18,15 +18,14 @@
 
 // The resize of a rectangle of `src_width` x `src_height` pixels of a 4-byte frame, which is cut
 // row by row as the output needs it, into a packed patch of three channels; a channel is a plane of
-// its own in all but its place in memory. Up to four bands of output rows may be made at the same
-// time.
+// its own in all but its place in memory. Four workers may make output rows at the same time.
 typedef struct rectangle_resize {
     patch from;
     int32_t src_width, src_height;
     uint8_t* dst;
     int32_t dst_width, dst_height;
     row_tap* taps;  // of each output column
-    uint8_t* rows;  // working rows of the four bands
+    uint8_t* rows;  // working rows of the four workers
 } rectangle_resize;
 
 // Allocates the taps and the working rows for a record whose other fields are set; false without
@@ -34,9 +33,9 @@ typedef struct rectangle_resize {
 bool open_resize(rectangle_resize* resize);
 void close_resize(rectangle_resize* resize);
 
-// Makes output rows [begin, end) with the working rows of band 0 .. 3. `resize` is a
+// Makes output rows [begin, end) with the working rows of worker 0 .. 3. `resize` is a
 // rectangle_resize.
-void resize_band(void* resize, int32_t band, int32_t begin, int32_t end);
+void resize_part(void* resize, int32_t worker, int32_t begin, int32_t end);
 
 // Both passes, rows first. Returns 0, or -1 with the target untouched when the intermediate plane
 // of dst_width x src_height pixels cannot be had.

@@ -74,15 +74,14 @@ int32_t pool_init(thread_pool** out, int32_t thread_num) {
     return 0;
 }
 
-// Unlinks the first task; null where there is none, for which a worker waits, or when the pool is
-// stopping.
-static pool_task* take_task(thread_pool* pool, bool waits) {
+// Waits for a task and unlinks it; null when the pool is stopping.
+static pool_task* take_task(thread_pool* pool) {
     pool_task* task = NULL;
     pthread_mutex_lock(&pool->queue_lock);
-    while (waits && pool->cur_queue_size == 0 && !pool->shutdown) {
+    while (pool->cur_queue_size == 0 && !pool->shutdown) {
         pthread_cond_wait(&pool->queue_ready, &pool->queue_lock);
     }
-    if (pool->cur_queue_size > 0 && !pool->shutdown) {
+    if (!pool->shutdown) {
         task = pool->queue_head;
         pool->cur_queue_size--;
         pool->queue_head = task->next;
@@ -91,17 +90,12 @@ static pool_task* take_task(thread_pool* pool, bool waits) {
     return task;
 }
 
-static bool run_next_task(thread_pool* pool, bool waits) {
-    pool_task* task = take_task(pool, waits);
-    if (task == NULL) return false;
-    task->routine(task->arg);
-    free(task);
-    return true;
-}
-
 void* pool_thread_routine(void* worker) {
     thread_pool* pool = ((pool_worker*)worker)->pool;
-    while (run_next_task(pool, true)) {
+    pool_task* task;
+    while ((task = take_task(pool)) != NULL) {
+        task->routine(task->arg);
+        free(task);
     }
     // The same as pthread_exit(NULL), which glibc lets abort the process where it finds no memory
     // or no libgcc_s to unwind with.
@@ -128,11 +122,6 @@ int32_t pool_add_task(thread_pool* pool, void* (*routine)(void*), void* arg) {
     return 0;
 }
 
-void pool_help(thread_pool* pool) {
-    while (run_next_task(pool, false)) {
-    }
-}
-
 static int32_t join_threads(thread_pool* pool) {
     int32_t status = 0;
     for (int32_t i = 0; i < pool->max_thread_num; i++) {
@@ -147,11 +136,15 @@ static int32_t join_threads(thread_pool* pool) {
     return status;
 }
 
+bool pool_is_stopping(const thread_pool* pool) {
+    return __atomic_load_n(&pool->shutdown, __ATOMIC_RELAXED) != 0;
+}
+
 int32_t pool_destroy(thread_pool* pool) {
     // Only the pool's owner writes the flag, so its own reading needs no lock.
     if (pool->shutdown) return -1;
     pthread_mutex_lock(&pool->queue_lock);
-    pool->shutdown = 1;
+    __atomic_store_n(&pool->shutdown, 1, __ATOMIC_RELAXED);
     pthread_mutex_unlock(&pool->queue_lock);
     pthread_cond_broadcast(&pool->queue_ready);
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The worker pool of one blend: up to four threads, a task queue and a count of completions.
 //
-// A stage of work is one cycle of pool_reset_done, a known number of pool_add_task calls, pool_help
-// if the caller has nothing else to do, and pool_wait_done for that number. The pool does not count
-// finished tasks itself: every task ends with pool_signal_done. The queue and the completion count
-// have a lock of their own each, and no code holds both.
+// The pool does not count finished tasks: whoever waits calls pool_reset_done before the work that
+// ends with a known number of pool_signal_done begins, and pool_wait_done for that number. The
+// queue and the completion count have a lock of their own each, and no code holds both.
 #ifndef IMAGEBLEND_POOL_THREAD_POOL_H
 #define IMAGEBLEND_POOL_THREAD_POOL_H
 
@@ -51,10 +50,6 @@ int32_t pool_init(thread_pool** out, int32_t thread_num);
 // memory is left for the queue's record, the task runs at once on the calling thread.
 int32_t pool_add_task(thread_pool* pool, void* (*routine)(void*), void* arg);
 
-// Runs waiting tasks on the calling thread until none waits: waking a worker takes longer than a
-// small task.
-void pool_help(thread_pool* pool);
-
 // Stops the threads and frees everything; tasks that have not started are dropped. Returns 0, or -1
 // when the pool was already stopping or a thread could not be joined.
 int32_t pool_destroy(thread_pool* pool);
@@ -62,6 +57,9 @@ int32_t pool_destroy(thread_pool* pool);
 // Body of a worker; `worker` is its pool_worker. Its return is the implicit pthread_exit of a null
 // value.
 void* pool_thread_routine(void* worker);
+
+// Whether pool_destroy has begun, for tasks that would otherwise go on.
+bool pool_is_stopping(const thread_pool* pool);
 
 void pool_reset_done(thread_pool* pool);
 

@@ -16,19 +16,19 @@ namespace {
 
 using faults::call;
 
-// Compares one call with its line, for every number of workers with plain and with vector rows.
+// Compares one call with its line, for every number of helpers with plain and with vector rows.
 void check_call(const hashes::whole_call& made, const std::string& line) {
     for (const bool plain : {false, true}) {
         support::force_plain_rows(plain);
-        for (int workers = 0; workers <= 4; ++workers) {
-            const faults::scope fault(call::thread_create, faults::those_of(15U >> workers));
+        for (int helpers = 0; helpers <= 3; ++helpers) {
+            const faults::scope fault(call::thread_create, faults::those_of(7U >> helpers));
             testing::internal::CaptureStdout();
             const std::string actual = hashes::call_line(made);
             testing::internal::GetCapturedStdout();
-            EXPECT_EQ(actual, line) << workers << " workers, " << (plain ? "plain" : "vector")
+            EXPECT_EQ(actual, line) << helpers << " helpers, " << (plain ? "plain" : "vector")
                                     << " rows, " << support::describe(made.scene);
             const bool is_large = made.scene.seed % 10 == 0;
-            EXPECT_TRUE(fault.calls() == 4 || (fault.calls() == 0 && !is_large)) << line;
+            EXPECT_TRUE(fault.calls() == 3 || (fault.calls() == 0 && !is_large)) << line;
         }
     }
     support::force_plain_rows(false);

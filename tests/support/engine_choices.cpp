@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "engine_choices.h"
 
+#include "blend/threading.h"
 #include "kernels/row_ops.h"
+#include "pool/free_cores.h"
 
 namespace {
 
@@ -22,14 +24,20 @@ void force_plain_rows(bool force) {
 
 }  // namespace support
 
-// The linker's names for least_threaded_pixels() and active_row_ops().
+// The linker's names for find_thread_limits(), free_cores() and active_row_ops().
 extern "C" {
 
-int64_t __real__Z21least_threaded_pixelsv();
+thread_limits __real__Z18find_thread_limitsv();
+int32_t __real__Z10free_coresv();
 const row_ops* __real__Z14active_row_opsv();
 
-int64_t __wrap__Z21least_threaded_pixelsv() {
-    return threads_from >= 0 ? threads_from : __real__Z21least_threaded_pixelsv();
+thread_limits __wrap__Z18find_thread_limitsv() {
+    if (threads_from < 0) return __real__Z18find_thread_limitsv();
+    return {threads_from, 0, 1};
+}
+
+int32_t __wrap__Z10free_coresv() {
+    return threads_from >= 0 ? 4 : __real__Z10free_coresv();
 }
 
 const row_ops* __wrap__Z14active_row_opsv() {
