@@ -16,6 +16,9 @@ enum { REDUCED_ROWS = 2 * STRIP_ROWS + 4 };
 // Rows of the coarser level that a finer row lies between.
 enum { RING_ROWS = 3 };
 
+// Bytes of the widest vectors, and of a line of the cache.
+enum { SCRATCH_ALIGNMENT = 64 };
+
 // Working rows of the way up.
 typedef struct merge_scratch {
     uint8_t* ring[3];  // RING_ROWS coarse rows, widened, of source, destination and result
@@ -28,22 +31,37 @@ static size_t max_size(size_t a, size_t b) {
     return a > b ? a : b;
 }
 
+// Working rows start where a vector does, so that none of its loads and stores meets two lines of
+// the cache.
+static size_t whole_vectors(size_t bytes) {
+    return (bytes + SCRATCH_ALIGNMENT - 1) & ~(size_t)(SCRATCH_ALIGNMENT - 1);
+}
+
+static size_t pitch_of(int32_t width) {
+    return whole_vectors(3 * (size_t)width);
+}
+
+static uint8_t* first_vector(uint8_t* scratch) {
+    return scratch + (-(uintptr_t)scratch & (SCRATCH_ALIGNMENT - 1));
+}
+
 size_t band_scratch_bytes(int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
-    const size_t reduce = REDUCED_ROWS * (row_bytes + 3 * (size_t)(width / 2));
-    const size_t merge = (3 * RING_ROWS + 3) * row_bytes;
+    const size_t reduce = REDUCED_ROWS * (row_bytes + 3 * (size_t)(width / 2)) + SCRATCH_ALIGNMENT;
+    const size_t merge = (3 * RING_ROWS + 3) * pitch_of(width);
     const size_t top = 4 * max_size(row_bytes, 3 * TOP_RUN_PIXELS);
-    return (max_size(max_size(reduce, merge), top) + 63) & ~(size_t)63;
+    return whole_vectors(max_size(max_size(reduce, merge), top)) + SCRATCH_ALIGNMENT;
 }
 
 static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
-    const size_t row_bytes = 3 * (size_t)width;
+    const size_t pitch = pitch_of(width);
     merge_scratch parts;
-    for (size_t i = 0; i < 3; i++)
-        parts.ring[i] = scratch + i * RING_ROWS * row_bytes;
-    parts.cut_src = scratch + 3 * RING_ROWS * row_bytes;
-    parts.cut_dst = parts.cut_src + row_bytes;
-    parts.out = parts.cut_dst + row_bytes;
+    uint8_t* next = first_vector(scratch);
+    for (size_t i = 0; i < 3; i++, next += RING_ROWS * pitch)
+        parts.ring[i] = next;
+    parts.cut_src = next;
+    parts.cut_dst = next + pitch;
+    parts.out = next + 2 * pitch;
     return parts;
 }
 
@@ -72,7 +90,7 @@ static strip next_strip(const band_bundle* bundle, int32_t begin, band_task* tas
     task->dst_width = bundle->coarse->width;
     task->dst_height = coarse_height;
     task->dst_rows = s.end - s.begin;
-    task->scratch = bundle->scratch + REDUCED_ROWS * 3 * (size_t)bundle->fine->width;
+    task->scratch = first_vector(bundle->scratch + REDUCED_ROWS * 3 * (size_t)bundle->fine->width);
     return s;
 }
 
@@ -114,8 +132,8 @@ void band_bundle_down(const band_bundle* bundle) {
 }
 
 // Coarse rows wait in rings, already as wide as the finer level.
-static uint8_t* ring_row(const merge_scratch* scratch, size_t i, int32_t row, size_t row_bytes) {
-    return scratch->ring[i] + (size_t)(row % RING_ROWS) * row_bytes;
+static uint8_t* ring_row(const merge_scratch* scratch, size_t i, int32_t row, size_t pitch) {
+    return scratch->ring[i] + (size_t)(row % RING_ROWS) * pitch;
 }
 
 // Coarse row `row` of all three pictures into the rings.
@@ -125,7 +143,7 @@ static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scrat
     const int32_t width = bundle->fine->width;
     for (size_t i = 0; i < 3; i++) {
         active_row_ops()->expand_row_c3(read_rows(pictures[i], row, 1, coarse->width, NULL),
-                                        coarse->width, ring_row(scratch, i, row, 3 * (size_t)width),
+                                        coarse->width, ring_row(scratch, i, row, pitch_of(width)),
                                         width);
     }
 }
@@ -133,12 +151,12 @@ static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scrat
 // The rows of the rings around coarse row `row`, or the row alone where it is to be copied.
 static coarse_rows rows_around(const band_bundle* bundle, size_t i, int32_t row, bool copied,
                                const merge_scratch* scratch) {
-    const size_t row_bytes = 3 * (size_t)bundle->fine->width;
+    const size_t pitch = pitch_of(bundle->fine->width);
     const bool is_last = copied || row == bundle->coarse->height - 1;
     coarse_rows around;
-    around.above = ring_row(scratch, i, row > 0 ? row - 1 : row, row_bytes);
-    around.centre = ring_row(scratch, i, row, row_bytes);
-    around.below = ring_row(scratch, i, is_last ? row : row + 1, row_bytes);
+    around.above = ring_row(scratch, i, row > 0 ? row - 1 : row, pitch);
+    around.centre = ring_row(scratch, i, row, pitch);
+    around.below = ring_row(scratch, i, is_last ? row : row + 1, pitch);
     return around;
 }
 

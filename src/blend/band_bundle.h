@@ -27,7 +27,7 @@ typedef struct band_bundle {
 } band_bundle;
 
 // Bytes of scratch that a band needs for a level of `width` pixels and all coarser ones, a multiple
-// of 64.
+// of 64, at any address.
 size_t band_scratch_bytes(int32_t width);
 
 // The band's rows of the coarser level: of the source, and of the destination and the mask.

@@ -9,6 +9,7 @@
 #include "kernels/x86/x86_rows.h"
 
 typedef __m256i bytes32;
+typedef bytes32 byte_vector;
 
 static inline bytes32 load(const uint8_t* p) {
     return _mm256_loadu_si256((const __m256i*)p);
@@ -42,20 +43,6 @@ static inline bytes32 pack_in_order(__m256i low, __m256i high) {
     return _mm256_permute4x64_epi64(_mm256_packus_epi16(low, high), 0xd8);
 }
 
-static inline bytes32 average_up(bytes32 a, bytes32 b) {
-    return _mm256_avg_epu8(a, b);
-}
-static inline bytes32 invert(bytes32 v) {
-    return _mm256_xor_si256(v, _mm256_set1_epi8(-1));
-}
-
-// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step. The mean of
-// inverted values is an inverted mean that is rounded down.
-static inline bytes32 even_phase(bytes32 a, bytes32 b, bytes32 c) {
-    const bytes32 ac = average_up(invert(a), invert(c));
-    return average_up(b, invert(average_up(invert(b), ac)));
-}
-
 // Weights of a pair of neighbouring bytes for _mm256_maddubs_epi16.
 static inline __m256i pair_weights(int first, int second) {
     return _mm256_set1_epi16((short)(second * 256 + first));
@@ -71,5 +58,63 @@ static inline void store_two_twelves(uint8_t* p, __m256i v) {
 static inline __m256i weigh(bytes32 pairs, int first, int second) {
     return _mm256_maddubs_epi16(pairs, pair_weights(first, second));
 }
+
+// What the shared formulas are made of. Words are 16 bits; the steps that combine lanes do so
+// within each run of 16 bytes.
+static inline bytes32 invert(bytes32 v) {
+    return _mm256_xor_si256(v, _mm256_set1_epi8(-1));
+}
+static inline bytes32 average_up(bytes32 a, bytes32 b) {
+    return _mm256_avg_epu8(a, b);
+}
+static inline bytes32 add_saturated(bytes32 a, bytes32 b) {
+    return _mm256_adds_epu8(a, b);
+}
+static inline bytes32 subtract_saturated(bytes32 a, bytes32 b) {
+    return _mm256_subs_epu8(a, b);
+}
+// v - 1 where v is 128 and more, or more than that. The bit of 128 is the sign.
+static inline bytes32 drop_from_128(bytes32 v) {
+    return _mm256_add_epi8(v, _mm256_cmpgt_epi8(_mm256_setzero_si256(), v));
+}
+static inline bytes32 drop_above_128(bytes32 v) {
+    return _mm256_add_epi8(v, _mm256_cmpeq_epi8(_mm256_max_epu8(v, _mm256_set1_epi8(-127)), v));
+}
+static inline bytes32 flip_bytes(bytes32 v, int bits) {
+    return _mm256_xor_si256(v, _mm256_set1_epi8((char)bits));
+}
+static inline bytes32 flip_words(bytes32 v, int bits) {
+    return _mm256_xor_si256(v, _mm256_set1_epi16((short)bits));
+}
+static inline bytes32 turns_low(bytes32 a, bytes32 b) {
+    return _mm256_unpacklo_epi8(a, b);
+}
+static inline bytes32 turns_high(bytes32 a, bytes32 b) {
+    return _mm256_unpackhi_epi8(a, b);
+}
+static inline bytes32 pack_words(bytes32 low, bytes32 high) {
+    return _mm256_packus_epi16(low, high);
+}
+static inline bytes32 add_pairs(bytes32 weights, bytes32 values) {
+    return _mm256_maddubs_epi16(weights, values);
+}
+static inline bytes32 average_words_up(bytes32 a, bytes32 b) {
+    return _mm256_avg_epu16(a, b);
+}
+static inline bytes32 add_words(bytes32 a, bytes32 b) {
+    return _mm256_add_epi16(a, b);
+}
+static inline bytes32 words_of(int value) {
+    return _mm256_set1_epi16((short)value);
+}
+template <int BITS>
+static inline bytes32 shift_words_down(bytes32 v) {
+    return _mm256_srli_epi16(v, BITS);
+}
+static inline bytes32 choose(bytes32 mask, bytes32 set, bytes32 unset) {
+    return _mm256_blendv_epi8(unset, set, mask);
+}
+
+#include "kernels/x86/x86_formulas.h"
 
 #endif

@@ -16,28 +16,20 @@ static constexpr positions interleaved_positions(int begin) {
 static constexpr positions expanded_low = interleaved_positions(0);
 static constexpr positions expanded_high = interleaved_positions(64);
 
-// As in avx2_vectors.h.
-static inline bytes64 even_phase(bytes64 a, bytes64 b, bytes64 c) {
-    const bytes64 ones = _mm512_set1_epi8(-1);
-    const bytes64 ac = _mm512_avg_epu8(_mm512_xor_si512(a, ones), _mm512_xor_si512(c, ones));
-    const bytes64 mean = _mm512_avg_epu8(_mm512_xor_si512(b, ones), ac);
-    return _mm512_avg_epu8(b, _mm512_xor_si512(mean, ones));
-}
-
 // Twenty source pixels a step. A step reads nine bytes behind its last pixel, which leaves the last
 // three to the edge.
 void avx512_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint8_t* __restrict dst,
                           int32_t dst_width) {
     const int32_t inner = src_width - 4;
     if (inner < 20) return avx2_expand_row_c3(src, src_width, dst, dst_width);
-    const bytes64 low = load64(expanded_low.at), high = load64(expanded_high.at);
+    const bytes64 low = load(expanded_low.at), high = load(expanded_high.at);
     for_each_vector((size_t)inner, 20, [=](size_t i) {
         const uint8_t* s = src + 3 * (i + 1);
-        const bytes64 b = load64(s), c = load64(s + 3);
-        const bytes64 even = even_phase(load64(s - 3), b, c);
-        const bytes64 odd = _mm512_avg_epu8(b, c);
+        const bytes64 b = load(s), c = load(s + 3);
+        const bytes64 even = even_phase(load(s - 3), b, c);
+        const bytes64 odd = average_up(b, c);
         uint8_t* out = dst + 6 * (i + 1);
-        _mm512_storeu_si512(out, _mm512_permutex2var_epi8(even, low, odd));
+        store(out, _mm512_permutex2var_epi8(even, low, odd));
         _mm512_mask_storeu_epi8(out + 64, 0x00ffffffffffffff,
                                 _mm512_permutex2var_epi8(even, high, odd));
     });

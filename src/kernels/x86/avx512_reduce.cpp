@@ -25,12 +25,12 @@ void avx512_reduce_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
                           int32_t dst_width) {
     const int32_t inner = dst_width - 2;
     if (inner < 10) return avx2_reduce_row_c3(src, src_width, dst, dst_width);
-    const bytes64 first = load64(pairs.at), next = load64(next_pairs.at);
+    const bytes64 first = load(pairs.at), next = load(next_pairs.at);
     for_each_vector((size_t)inner, 10, [=](size_t i) {
         const uint8_t* s = src + 6 * (i + 1);
-        const bytes64 here = load64(s);
+        const bytes64 here = load(s);
         const __m512i outer =
-            _mm512_add_epi16(weigh(_mm512_permutexvar_epi8(first, load64(s - 6)), 1, 4),
+            _mm512_add_epi16(weigh(_mm512_permutexvar_epi8(first, load(s - 6)), 1, 4),
                              weigh(_mm512_permutexvar_epi8(next, here), 1, 0));
         const __m512i sum =
             _mm512_add_epi16(outer, weigh(_mm512_permutexvar_epi8(first, here), 6, 4));

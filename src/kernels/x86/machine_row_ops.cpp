@@ -49,12 +49,14 @@ static constexpr row_ops avx2_operations(void) {
     };
 }
 
-// Wider ones gain most where pixels have to be taken apart.
+// What wider ones do better; the rest is left to the narrow ones.
 static constexpr row_ops avx512_operations(void) {
     row_ops table = avx2_operations();
     table.name = "avx512";
     table.reduce_row_c3 = avx512_reduce_row_c3;
     table.expand_row_c3 = avx512_expand_row_c3;
+    table.merge_even = avx512_merge_even;
+    table.merge_odd = avx512_merge_odd;
     return table;
 }
 

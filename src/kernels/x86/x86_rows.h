@@ -13,6 +13,7 @@ mix_two_rows avx2_mix_rows;
 resample_row avx2_resample_row_c3;
 convert_row avx2_pack_rgb, avx2_unpack_rgb;
 filter_row avx512_reduce_row_c3, avx512_expand_row_c3;
+merge_row avx512_merge_even, avx512_merge_odd;
 
 // What the filters leave to the edges, where neighbours repeat. A reduction: the first two and the
 // last two outputs, dst_width >= 4. An expansion: the first five and the last five source pixels
