@@ -9,19 +9,31 @@ flat black.png 600 400 0 3
 rectangle bar.png 400 300 40 30 120 60
 rectangle large.png 400 300 10 10 380 200
 blend=(blend white.png black.png o.png --as-is)
+# Three parts with gaps between them, in colours that change from pixel to pixel, and black where
+# nothing shows: the library needs other colours there.
+rectangle beside.png 400 300 300 40 60 40
+rectangle below.png 400 300 200 130 100 50
+vips boolean bar.png beside.png two.png or && vips boolean two.png below.png parts.png or
+vips xyz places.v 400 300 && vips linear places.v slope.v "0.6 0.8" "10 10" --uchar
+vips bandjoin "slope.v white.png" bands.v && vips extract_band bands.v slope.v 0 --n 3
+flat nothing.png 400 300 0 3
+vips ifthenelse parts.png slope.v nothing.png parts.v
+vips bandjoin "parts.v parts.png" alpha.v && vips copy alpha.v parts-cut.png --interpretation srgb
 
 # Sums of the pixels that an app got which called the library with the same mask, zoom and angle.
 bytes() {
     local sum options
     while read -r sum options; do
-        run 0 "${blend[@]}" $options
+        run 0 blend $options black.png o.png --as-is
         vips rawsave o.png o.raw
         [ "$(sha1sum <o.raw | cut -c 1-12)" = "$sum" ] || fail "other bytes than before"
     done <<END
-d79bc5cb6e08 --mask bar.png
-5ebcba0e7af6 --mask bar.png --zoom 0.7 --angle 20
-66978ba9e4f6 --mask bar.png --at 20,380 --zoom 1.4
-cd5abae9574a --mask bar.png --angle -45 --soft
+d79bc5cb6e08 white.png --mask bar.png
+5ebcba0e7af6 white.png --mask bar.png --zoom 0.7 --angle 20
+66978ba9e4f6 white.png --mask bar.png --at 20,380 --zoom 1.4
+cd5abae9574a white.png --mask bar.png --angle -45 --soft
+aacb93e46fe9 parts-cut.png
+84f175e03dd6 parts-cut.png --at 250,180 --zoom 1.2 --angle 200
 END
 }
 
@@ -35,6 +47,11 @@ places() {
     flat small.png 400 240 0 3
     run 0 blend white.png small.png o.png --mask large.png --at 120,100 --zoom 0.25 --as-is
     box_is o.png 1 72 75 95 50
+    # A hook, "_|", that is turned about the middle of its box reaches farther to the right.
+    rectangle upright.png 400 300 260 80 40 200
+    rectangle foot.png 400 300 100 240 200 40
+    vips boolean upright.png foot.png hook.png or
+    run 0 "${blend[@]}" --mask hook.png --angle 45 && box_is o.png 2 281 68 150 263
 }
 
 # The object is larger than the destination, so the tool scales it.
@@ -42,6 +59,11 @@ sizes() {
     flat small.png 200 150 0 3
     run 0 blend white.png small.png o.png --mask large.png --zoom 0.25 --as-is
     says "scaled by 0.25" && box_is o.png 1 52 50 95 50
+    # White that is made smaller stays white, whatever colour its transparent pixels have.
+    vips ifthenelse bar.png white.png nothing.png dark.v && vips bandjoin "dark.v bar.png" dark.png
+    flat light.png 100 80 255 3
+    run 0 blend dark.png light.png o.png --zoom 0.5 --as-is && says "scaled by 0.5"
+    at_least o.png 254
     local command limit
     for command in "verify white.png small.png" "blend white.png small.png o.png"; do
         command="$command --mask large.png --angle 10 --as-is"

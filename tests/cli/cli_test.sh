@@ -7,7 +7,6 @@ source "$(dirname "$0")/helpers.sh"
 
 # pixel_is FILE X Y VALUE...: each to 2 steps, for the rounding of the blend and of lossy files.
 pixel_is() { near 2 "pixel $2,$3" "$(vips getpoint "$1" "$2" "$3")" "${*:4}"; }
-at_least() { [ "$(vips min "$1" | cut -d. -f1)" -ge "$2" ] || fail "darker than $2"; }
 
 flat white.png 400 300 255 3
 flat black.png 600 400 0 3

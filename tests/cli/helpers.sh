@@ -70,6 +70,9 @@ box_is() {
     near "$2" "object at" "$(vips find_trim light.v --background 0 --threshold 10 | xargs)" "${*:3}"
 }
 
+# at_least FILE VALUE: all bands of all pixels
+at_least() { [ "$(vips min "$1" | cut -d. -f1)" -ge "$2" ] || fail "darker than $2"; }
+
 # The address sanitizer needs address space and descriptors, which some tests limit.
 is_sanitized() { grep -q __asan_init "$tool"; }
 
