@@ -5,7 +5,7 @@
 set -u
 tool=$(realpath "$1")
 work=$(mktemp -d)
-trap 'rm -rf "$work"' EXIT
+trap '[ $BASHPID -ne $$ ] || rm -rf "$work"' EXIT # a subshell that a signal ends comes here, too
 cd "$work" || exit 1
 # Nothing of the login that runs the test matters.
 export LC_ALL=C SHELL=/bin/sh HOME="$work"
