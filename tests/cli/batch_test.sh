@@ -53,6 +53,7 @@ END
     says "standard input: 1 blended, 0 failed"
     ! cmp -s white.png there.png || fail "the output was not overwritten"
     run 0 batch /dev/null
+    grep -qx 'imageblend: /dev/null: 0 blended, 0 failed, 0 warnings in 0.0 s' err || fail "summary of no job"
     run 66 batch none.jsonl && says "none.jsonl: cannot be read"
     run 64 batch jobs.jsonl --jobs 0
     sed '1,2s/.*//' table >part
@@ -112,6 +113,20 @@ too_few_processes() {
     (ulimit -n 5 && exec "$tool" batch few.jsonl --overwrite --jobs 2 2>err)
     [ $? -eq 70 ] || fail "status without processes"
     says "only 0 of 2 processes" && says "0 blended, 0 failed" && says "; broken off: the same"
+
+    # The second process is refused; the batch keeps no end of a socket to it.
+    strace -o /dev/null true 2>/dev/null || return
+    printf '{"source":"never.png","destination":"black.png","output":"first.png"}\n{%s}\n' \
+        '"source":"cut.png","destination":"black.png","output":"second.png"' >refused.jsonl
+    strace -o /dev/null -e inject=clone,clone3,fork,vfork:error=EAGAIN:when=2+ \
+        "$tool" batch refused.jsonl --jobs 2 2>err &
+    until_true grep -q "only 1 of 2 processes can be started: there is no process: Resource" err
+    local batch
+    batch=$(pgrep -P $!)
+    [ "$(find "/proc/$batch/fd" -lname 'socket:*' | wc -l)" -eq 1 ] || fail "a socket is left open"
+    cp cut.png late && cat late >never.png
+    wait $! || fail "status with a process less"
+    says "2 blended, 0 failed"
 }
 
 # Files do not take the numbers of standard streams that are closed.
@@ -163,15 +178,32 @@ terminal() {
     script -qec "'$tool' batch seen.jsonl" /dev/null >screen
     frames screen | grep -qE '^\[#+-*\] [0-9]+/'"$jobs"'  [0-9.]+/s  [0-9]+:[0-9]+ left$' ||
         fail "no progress bar"
+    # No job takes less than two milliseconds. The summary's rate is its jobs by its seconds.
+    tr '\r' '\n' <screen | awk -v jobs="$jobs" '
+        match($0, /[0-9]+\/[0-9]+  [0-9.]+\/s/) {
+            split(substr($0, RSTART, RLENGTH), part, /\/|  /)
+            wrong = wrong || part[3] > 500 * part[1]
+        }
+        match($0, /in [0-9.]+ s \([0-9.]+ a second/) {
+            split(substr($0, RSTART, RLENGTH), part, / |\(/)
+            wrong = wrong || part[5] * (part[2] + 0.06) < jobs || part[5] * (part[2] - 0.06) > jobs
+            found = 1
+        }
+        END { exit wrong || !found }' || fail "rates: $(tr '\r' '\n' <screen | tail -n 4)"
     complete seen
     rm -r seen
     many seen
-    echo '{}' >>seen.jsonl
+    printf '{}' >>seen.jsonl # a last line without an end
     sed -i '1s/cut/none/' seen.jsonl
     script -qec "stty cols 40; '$tool' batch seen.jsonl" /dev/null >screen
     jobs=$((jobs + 1)) frames screen >narrow
     grep -qE '^\[#*-+\] .* left  1 failed$' narrow || fail "no narrow bar: $(head -n 5 narrow)"
     [ "$(wc -L <narrow)" -lt 40 ] || fail "the bar is wider than the terminal"
+    ! grep -vqE '^\[[#-]{6,24}\] ' narrow || fail "a bar of another size: $(head -n 5 narrow)"
+    # Messages take the bar's place.
+    tr '\r' '\n' <screen | sed 's/\x1b\[K//g' >lines
+    grep -q '^imageblend: seen.jsonl:1: seen/0000.png failed' lines &&
+        grep -q '^imageblend: seen.jsonl: [0-9]* blended, 2 failed' lines || fail "a message beside the bar"
 }
 
 groups reference lines report long_lines too_few_processes closed_streams lost_process terminal
