@@ -53,11 +53,12 @@ vips copy p3.png 'bare.jpg[Q=100,strip]'
     tail -c +3 bare.jpg
 } >photo.jpg
 # The same, taken with the camera on its side, with a thumbnail of one pixel in a second directory.
+# The first directory stands behind 256 bytes, so that no number is one byte alone.
 vips black dot.jpg'[strip]' 1 1
 {
-    printf 'Exif\0\0MM\0\x2a\0\0\0\x08\0\2\1\x12\0\3\0\0\0\1\0\6\0\0\1\x3b\0\2\0\0\0\4Ann\0\0\0\0\x26'
-    printf '\0\2\2\1\0\4\0\0\0\1\0\0\0\x44\2\2\0\4\0\0\0\1\0\0\1%b\0\0\0\0' "\\x$(printf %02x $(($(
-        stat -c %s dot.jpg) - 256)))"
+    printf 'Exif\0\0MM\0\x2a\0\0\1\x08%256s\0\2\1\x12\0\3\0\0\0\1\0\6\0\0\1\x3b\0\2\0\0\0\4Ann\0'
+    printf '\0\0\1\x26\0\2\2\1\0\4\0\0\0\1\0\0\1\x44\2\2\0\4\0\0\0\1\0\0\1%b\0\0\0\0' \
+        "\\x$(printf %02x $(($(stat -c %s dot.jpg) - 256)))"
     cat dot.jpg
 } >exif
 {
@@ -165,6 +166,10 @@ masks() {
     for mask in bar.jpg noisy.png; do
         run 0 blend red.png black.png o2.png --mask $mask && cmp -s o.png o2.png || fail "noise"
     done
+    # A large part that is faint is none: two fifths are black, a half lets 20 of 255 through.
+    flat strong.v 240 300 255 1 && flat faint.v 200 300 20 1
+    vips insert strong.v faint.v mask.v 0 0 && vips embed mask.v faint.png 160 0 400 300
+    run 0 blend red.png black.png o.png --mask faint.png && pixel_is o.png 200 200 3 16 3 3
 }
 
 streams() {
