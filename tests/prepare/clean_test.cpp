@@ -156,6 +156,36 @@ TEST(Colours, LoseWhatIsBehindThem) {
     EXPECT_LT(colour_error(fitted, object, 64, 255), 4);
 }
 
+// On both sides of a straight edge each colour is one: near ones stay, and from a distance of 4 on
+// what the softened outline shows of the ground is taken out.
+TEST(Colours, StayWhereTheyAreAlike) {
+    for (const int32_t apart : {3, 4}) {
+        picture mask = coverage(150, 150, box(-9, -9, 75, 159));
+        const picture object = texture(150, 150, {{100, 50, 50}}, 0, 1);
+        const picture photo =
+            composite(object, mask, texture(150, 150, {{100 + apart, 50, 50}}, 0, 1));
+        const cleaned made = clean(photo, &mask, {0, 0.0f});
+        EXPECT_EQ(made.findings.alpha, IMAGEBLEND_ALPHA_HARD);
+        EXPECT_EQ(colour_error(made, apart < 4 ? photo : object, 1, 255), 0) << apart;
+    }
+}
+
+// A straight edge of so many rows, whose fainter pixels show white that was behind them.
+TEST(CutOut, KeepsAnEdgeOfWhichLittleIsSeen) {
+    for (const int32_t rows : {15, 16}) {
+        picture object = texture(40, rows, {{20, 30, 40}}, 0, 1), alpha(40, rows, 1);
+        for (int32_t y = 0; y < rows; ++y) {
+            for (int32_t x = 0; x < 22; ++x)
+                *alpha.at(x, y) = static_cast<uint8_t>(x < 20 ? 255 : (x == 20 ? 200 : 60));
+        }
+        const picture white(40, rows, 4, 255);
+        const picture given = cut_out(composite(object, alpha, white), alpha, false);
+        const cleaned made = clean(given, nullptr);
+        EXPECT_EQ(made.findings.surroundings, 0);
+        EXPECT_LT(colour_error(made, rows < 16 ? given : object, 60, 60), 2) << rows;
+    }
+}
+
 // On the new ground a shadow darkens what is there, and shows nothing of the ground it was on.
 TEST(Colours, OfAShadowAreTheShadowsOwn) {
     picture alpha = faded_disc(50, 30);

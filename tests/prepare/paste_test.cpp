@@ -206,6 +206,34 @@ TEST(Surroundings, AreLitLikeTheDestinationAndEndAtTheirReach) {
     }
 }
 
+// The object at the left border is far from the right one, and as far away all around.
+TEST(Surroundings, ReachAsFarInANarrowDestination) {
+    for (const bool mirrored : {false, true}) {
+        picture object = texture(40, 60, {{200, 60, 50}}, 20, 1);
+        for (int32_t y = 0; y < 60; ++y) {
+            for (int32_t x = 0; x < 40; ++x)
+                *object.at(x, y) = (mirrored ? 39 - x : x) < 8 ? 255 : 0;
+        }
+        picture around = texture(40, 60, {{110, 130, 90}}, 60, 2);
+        for (size_t i = 0; i < around.data.size(); i += 4)
+            around.data[i] = 255;
+        const picture destination = texture(40, 60, {{120, 100, 60}}, 60, 9);
+        picture made = destination;
+        blend_image record = object.record(), ring = around.record(), output = made.record();
+        const imageblend_layer layer = {&record, &ring, 24, 0, 0};
+        int32_t reach = -1;
+        ASSERT_EQ(imageblend_paste(&layer, &output, &reach), 0);
+        ASSERT_EQ(reach, 24);
+        for (int32_t y = 0; y < 60; ++y) {
+            for (int32_t far = 8 + 24; far < 40; ++far) {
+                const int32_t x = mirrored ? 39 - far : far;
+                ASSERT_TRUE(std::equal(made.at(x, y), made.at(x, y) + 4, destination.at(x, y)))
+                    << x << ", " << y;
+            }
+        }
+    }
+}
+
 TEST(Surroundings, ComeAlongOnTheirOwnWhereTheyMatch) {
     EXPECT_GT(ring_scene(0.85, true).paste(IMAGEBLEND_SURROUNDINGS_AUTO), 0);
     EXPECT_EQ(ring_scene(0.4, true).paste(IMAGEBLEND_SURROUNDINGS_AUTO), 0);
