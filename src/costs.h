@@ -18,15 +18,14 @@ enum { THREADED_STAGE_US = 4 };
 // shorter ones work out more rows twice.
 enum { PIECE_US = 6 };
 
+// A piece has a multiple of this many rows: it works out up to four more.
+enum { PIECE_ROWS = 16 };
+
 // Turning a pixel takes about twice as long as blending it, copying one a fifth of that.
 enum { TURNED_PIXEL_COST = 2, COPIED_PIXELS_A_COST = 5 };
 
 // Rows of a frame that are copied as one piece of work.
 enum { COPY_ROWS = 64 };
-
-// Rows of the coarser level in a strip of a reduction. More rows filter fewer overlap rows twice;
-// fewer rows need less cache.
-enum { STRIP_ROWS = 16 };
 
 // Short rows of the coarsest level are blended together, up to this many pixels.
 enum { TOP_RUN_PIXELS = 256 };

@@ -4,14 +4,9 @@
 #include <string.h>
 
 #include "costs.h"
-#include "kernels/band_filters.h"
 #include "kernels/row_ops.h"
+#include "kernels/sliding_reduction.h"
 #include "numeric.h"
-
-static const pixel_layout layout_c3 = {0, 3}, layout_mask = {0, 1};
-
-// Rows of the finer level that a strip of a reduction reads.
-enum { REDUCED_ROWS = 2 * STRIP_ROWS + 4 };
 
 // Rows of the coarser level that a finer row lies between.
 enum { RING_ROWS = 3 };
@@ -47,7 +42,7 @@ static uint8_t* first_vector(uint8_t* scratch) {
 
 size_t band_scratch_bytes(int32_t width) {
     const size_t row_bytes = 3 * (size_t)width;
-    const size_t reduce = REDUCED_ROWS * (row_bytes + 3 * (size_t)(width / 2)) + SCRATCH_ALIGNMENT;
+    const size_t reduce = 2 * pitch_of(width) + sliding_bytes(width / 2, 3);
     const size_t merge = (3 * RING_ROWS + 3) * pitch_of(width);
     const size_t top = 4 * max_size(row_bytes, 3 * TOP_RUN_PIXELS);
     return whole_vectors(max_size(max_size(reduce, merge), top)) + SCRATCH_ALIGNMENT;
@@ -65,63 +60,65 @@ static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
     return parts;
 }
 
-// Rows [begin, end) of the coarser level and what they take of the finer one: from two rows above
-// the first centre to two below the last.
-typedef struct strip {
-    int32_t begin, end;
-    int32_t ends;
-    int32_t first_row;
-} strip;
+// Two finer rows and what a reduction keeps of those before.
+typedef struct reduce_scratch {
+    uint8_t* ring;
+    uint8_t* cut[2];  // rows cut from a frame
+} reduce_scratch;
 
-// The strip that starts at a row, and a record with its sizes. The scratch holds the finer rows as
-// they are cut from a frame, then the filtered ones.
-static strip next_strip(const band_bundle* bundle, int32_t begin, band_task* task) {
-    const int32_t fine_height = bundle->fine->height, coarse_height = bundle->coarse->height;
-    strip s;
-    s.begin = begin;
-    s.end = (int32_t)min_i64((int64_t)begin + STRIP_ROWS, bundle->end);
-    s.ends = (begin == 0 ? ENDS_TOP : 0) | (s.end == coarse_height ? ENDS_BOTTOM : 0);
-    s.first_row = begin == 0 ? 0 : 2 * begin - 2;
-    const int32_t end_row = s.end == coarse_height ? fine_height : 2 * s.end + 1;
-    *task = band_task();
-    task->src_width = bundle->fine->width;
-    task->src_height = fine_height;
-    task->src_rows = end_row - s.first_row;
-    task->dst_width = bundle->coarse->width;
-    task->dst_height = coarse_height;
-    task->dst_rows = s.end - s.begin;
-    task->scratch = first_vector(bundle->scratch + REDUCED_ROWS * 3 * (size_t)bundle->fine->width);
-    return s;
+static reduce_scratch split_for_reduce(uint8_t* scratch, int32_t width) {
+    reduce_scratch parts;
+    parts.cut[0] = first_vector(scratch);
+    parts.cut[1] = parts.cut[0] + pitch_of(width);
+    parts.ring = parts.cut[1] + pitch_of(width);
+    return parts;
+}
+
+// Finer row 2 row or 2 row + 1, clamped to the level.
+static int32_t finer_row(const band_bundle* bundle, int32_t row, int32_t odd) {
+    const int64_t y = 2 * (int64_t)row + odd;
+    return (int32_t)(y < 0 ? 0 : min_i64(y, (int64_t)bundle->fine->height - 1));
+}
+
+static sliding_reduction make_slide(const band_bundle* bundle, int32_t channels, uint8_t* ring) {
+    return {channels, bundle->fine->width, bundle->coarse->width, ring};
 }
 
 static void reduce_colours(const band_bundle* bundle, const patch* fine, const patch* coarse) {
     const int32_t width = bundle->fine->width;
-    band_task task;
-    for (int32_t row = bundle->begin; row < bundle->end; row += STRIP_ROWS) {
-        const strip s = next_strip(bundle, row, &task);
-        task.src = read_rows(fine, s.first_row, task.src_rows, width, bundle->scratch);
-        task.dst = result_rows(coarse, s.begin, NULL);
-        task.src_geom = task.dst_geom = &layout_c3;
-        reduce_band(&task, 3, s.ends);
+    const reduce_scratch scratch = split_for_reduce(bundle->scratch, width);
+    const sliding_reduction slide = make_slide(bundle, 3, scratch.ring);
+    for (int32_t row = bundle->begin - 1; row <= bundle->end; row++) {
+        const uint8_t* rows[2];
+        for (int32_t k = 0; k < 2; k++)
+            rows[k] = read_rows(fine, finer_row(bundle, row, k), 1, width, scratch.cut[k]);
+        const bool is_made = row > bundle->begin;
+        slide_rows(&slide, row, rows[0], rows[1],
+                   is_made ? result_rows(coarse, row - 1, NULL) : NULL);
     }
 }
 
 static void reduce_mask(const band_bundle* bundle) {
-    band_task task;
-    for (int32_t row = bundle->begin; row < bundle->end; row += STRIP_ROWS) {
-        const strip s = next_strip(bundle, row, &task);
-        task.src = bundle->fine->mask + (size_t)s.first_row * (size_t)task.src_width;
-        task.dst = bundle->coarse->mask + (size_t)s.begin * (size_t)task.dst_width;
-        task.src_geom = task.dst_geom = &layout_mask;
-        reduce_band(&task, 1, s.ends);
+    const pyramid_level *fine = bundle->fine, *coarse = bundle->coarse;
+    const sliding_reduction slide =
+        make_slide(bundle, 1, split_for_reduce(bundle->scratch, fine->width).ring);
+    for (int32_t row = bundle->begin - 1; row <= bundle->end; row++) {
+        const uint8_t* rows[2];
+        for (int32_t k = 0; k < 2; k++)
+            rows[k] = fine->mask + (size_t)finer_row(bundle, row, k) * (size_t)fine->width;
+        const bool is_made = row > bundle->begin;
+        slide_rows(&slide, row, rows[0], rows[1],
+                   is_made ? coarse->mask + (size_t)(row - 1) * (size_t)coarse->width : NULL);
     }
 }
 
 void band_bundle_src(const band_bundle* bundle) {
-    reduce_colours(bundle, &bundle->fine->src, &bundle->coarse->src);
+    if (bundle->begin < bundle->end)
+        reduce_colours(bundle, &bundle->fine->src, &bundle->coarse->src);
 }
 
 void band_bundle_dst(const band_bundle* bundle) {
+    if (bundle->begin >= bundle->end) return;
     reduce_colours(bundle, &bundle->fine->dst, &bundle->coarse->dst);
     reduce_mask(bundle);
 }

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // One band's share of a step from one pyramid level to the next, as one piece of work.
 //
-// On the way down a bundle walks its band in strips of a few rows, on the way up row by row, and
-// runs its kernels on each in turn, so that what one kernel leaves for the next stays in the cache:
-// no expanded plane and no 16-bit plane is ever whole in memory. A strip may be the first and the
-// last of its level, so the same walk serves levels of any size.
+// A bundle walks its band row by row of the coarser level and runs its kernels on each in turn, so
+// that what one kernel leaves for the next stays in the cache: no expanded plane and no 16-bit
+// plane is ever whole in memory. A band may be the first and the last of its level, and as short as
+// one row; it filters three finer rows besides its own.
 #ifndef IMAGEBLEND_BLEND_BAND_BUNDLE_H
 #define IMAGEBLEND_BLEND_BAND_BUNDLE_H
 

@@ -66,12 +66,12 @@ static uint8_t* scratch_of(const pyramid* p, int32_t worker) {
     return p->scratch + (size_t)worker * p->scratch_bytes;
 }
 
-// Rows of a stage that make a piece, a multiple of STRIP_ROWS; all where nobody shares the stage.
+// Rows of a stage that make a piece, a multiple of PIECE_ROWS; all where nobody shares the stage.
 // `pixels` is what the stage costs.
 static int32_t rows_in_piece(const pyramid* p, int32_t rows, int64_t pixels) {
     if (p->workers.helpers == 0 || pixels < p->limits.least_stage) return (int32_t)max_i64(rows, 1);
     const int64_t wanted = p->limits.piece * rows / max_i64(pixels, 1);
-    return (int32_t)min_i64((wanted / STRIP_ROWS + 1) * STRIP_ROWS, max_i64(rows, 1));
+    return (int32_t)min_i64((wanted / PIECE_ROWS + 1) * PIECE_ROWS, max_i64(rows, 1));
 }
 
 static int32_t pieces_of(int32_t rows, int32_t rows_in_piece) {

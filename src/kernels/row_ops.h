@@ -51,6 +51,20 @@ typedef void filter_row(const uint8_t* __restrict src, int32_t src_width, uint8_
 //   dst = (t0 + 4 t1 + 6 t2 + 4 t3 + t4 + 8) >> 4
 typedef void filter_column(const uint8_t* const taps[5], uint8_t* __restrict dst, size_t bytes);
 
+// Both reductions of two rows at a time, for a walk down a level: `sums` carries what the rows
+// before have come to, reduce_two_bytes at a multiple of 64, in an order of its own. With e and o
+// the rows as filter_row reduces them, and `last` and `before` those of the calls before this one:
+//   dst = (before.e + 4 before.o + 6 last.e + 4 last.o + e + 8) >> 4
+// dst_width >= LEAST_REDUCED_TWO. A null `dst` is not written.
+enum { LEAST_REDUCED_TWO = 32 };
+typedef void filter_two_rows(const uint8_t* even, const uint8_t* odd, int32_t src_width,
+                             uint8_t* sums, uint8_t* dst, int32_t dst_width);
+
+// Two vectors of words for each 30 or 31 values and for the last ones.
+static inline size_t reduce_two_bytes(int32_t dst_width, int32_t channels) {
+    return 128 * ((size_t)dst_width * (size_t)channels / 30 + 1);
+}
+
 // One row of one level of the blended pyramid, made from the level's pictures and from the coarser
 // levels of both and of the result: three expansions down the columns, two differences, their blend
 // under the mask and its sum with the result.
@@ -79,6 +93,7 @@ typedef struct row_ops {
     int64_t pixels_a_ms;  // about as many pixels of a blend as one thread gets through
     filter_row *reduce_row_c3, *reduce_row_c1, *expand_row_c3;
     filter_column* reduce_column;
+    filter_two_rows *reduce_two_c3, *reduce_two_c1;  // null where the two steps are as fast
     merge_row *merge_even, *merge_odd;
     mix_two_rows* mix_rows;
     resample_row* resample_row_c3;

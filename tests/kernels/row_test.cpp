@@ -128,6 +128,50 @@ std::vector<row_case> filter_cases(int32_t n, int kind) {
     return cases;
 }
 
+// A coarser row of three pairs of finer ones: by tables with an operation for that, and in two
+// steps.
+void reduce_three_pairs(const row_ops& t, int32_t channels, int32_t n, int32_t narrow,
+                        const pointers& in, uint8_t* out) {
+    const auto two = channels == 3 ? t.reduce_two_c3 : t.reduce_two_c1;
+    if (two != nullptr) {
+        guarded_bytes sums(bytes(reduce_two_bytes(narrow, channels), naive::UNTOUCHED), 0, 0);
+        for (size_t k = 0; k < 6; k += 2)
+            two(in[k], in[k + 1], n, sums.data(), k == 4 ? out : nullptr, narrow);
+        return;
+    }
+    const auto size = static_cast<size_t>(narrow * channels);
+    bytes rows[5];
+    pointers taps;
+    for (size_t k = 0; k < 5; ++k) {
+        rows[k].resize(size);
+        taps.push_back(rows[k].data());
+        (channels == 3 ? t.reduce_row_c3 : t.reduce_row_c1)(in[k], n, rows[k].data(), narrow);
+    }
+    t.reduce_column(taps.data(), out, size);
+}
+
+TEST_P(Rows, TwoAtATime) {
+    for (int32_t n = 2 * LEAST_REDUCED_TWO; n <= 330; ++n) {
+        for (const int32_t channels : {1, 3}) {
+            for (const int kind : {4, 5}) {
+                std::vector<bytes> rows;
+                for (uint64_t k = 0; k < 6; ++k)
+                    rows.push_back(naive::data(kind, static_cast<size_t>(n * channels), k));
+                for (const int32_t narrow :
+                     {n / 2, std::max(n / 2 - 1, static_cast<int>(LEAST_REDUCED_TWO))}) {
+                    SCOPED_TRACE("from " + std::to_string(n) + " to " + std::to_string(narrow));
+                    const auto call = [=](auto& t, auto& in, auto* out) {
+                        reduce_three_pairs(t, channels, n, narrow, in, out);
+                    };
+                    check(*GetParam(), {channels == 3 ? "reduce_two_c3" : "reduce_two_c1", rows,
+                                        static_cast<size_t>(narrow * channels), call});
+                    ASSERT_FALSE(HasFatalFailure());
+                }
+            }
+        }
+    }
+}
+
 TEST_P(Rows, OfEveryLength) {
     for (int32_t n = 1; n <= 132; ++n) {
         for (const int kind : {1, 2, 3, 4, 5}) {

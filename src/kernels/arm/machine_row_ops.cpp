@@ -11,6 +11,8 @@ const row_ops* machine_row_ops(int32_t rank) {
         neon_reduce_row_c1,
         neon_expand_row_c3,
         neon_reduce_column,
+        NULL,
+        NULL,
         neon_merge_even,
         neon_merge_odd,
         neon_mix_rows,

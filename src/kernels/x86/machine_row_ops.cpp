@@ -40,6 +40,8 @@ static constexpr row_ops avx2_operations(void) {
         avx2_reduce_row_c1,
         avx2_expand_row_c3,
         avx2_reduce_column,
+        NULL,
+        NULL,
         avx2_merge_even,
         avx2_merge_odd,
         avx2_mix_rows,
@@ -53,7 +55,8 @@ static constexpr row_ops avx2_operations(void) {
 static constexpr row_ops avx512_operations(void) {
     row_ops table = avx2_operations();
     table.name = "avx512";
-    table.reduce_row_c3 = avx512_reduce_row_c3;
+    table.reduce_two_c3 = avx512_reduce_two_c3;
+    table.reduce_two_c1 = avx512_reduce_two_c1;
     table.expand_row_c3 = avx512_expand_row_c3;
     table.merge_even = avx512_merge_even;
     table.merge_odd = avx512_merge_odd;
