@@ -3,6 +3,15 @@
 
 option(IMAGEBLEND_SEPARATE_SYMBOLS "Move debug symbols into files of their own" OFF)
 
+# No file names the folder of the build. The build id covers the debug symbols too.
+target_compile_options(imageblend_flags INTERFACE
+    -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
+# What follows is for machine code. A module of WebAssembly cannot reach its own code or stack
+# addresses, and everything in it is relative.
+if(IMAGEBLEND_BUILD_WEB)
+    return()
+endif()
+
 # Position-independent executables.
 if(PROJECT_IS_TOP_LEVEL)
     include(CheckPIESupported)
@@ -26,9 +35,6 @@ if(NOT ANDROID AND NOT IMAGEBLEND_SANITIZER_BUILD)
         $<$<CONFIG:Release,RelWithDebInfo,MinSizeRel>:-D_FORTIFY_SOURCE=${fortify_level}>)
 endif()
 
-# No file names the folder of the build. The build id covers the debug symbols too.
-target_compile_options(imageblend_flags INTERFACE
-    -ffile-prefix-map=${PROJECT_BINARY_DIR}=build -ffile-prefix-map=${PROJECT_SOURCE_DIR}=.)
 if(IMAGEBLEND_SEPARATE_SYMBOLS)
     target_compile_options(imageblend_flags INTERFACE -g)
 endif()
