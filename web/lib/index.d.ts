@@ -133,7 +133,7 @@ export function cutOut(object: ObjectSource,
                        options?: ObjectOptions & { readonly soft?: boolean }): Promise<Result>;
 
 /** Width and height of the box around what a mask marks at all; 0 and 0 if nothing. */
-export function objectSize(mask: Mask): { width: number; height: number };
+export function objectSize(mask: Mask): Promise<{ width: number; height: number }>;
 
 /**
  * One photo and one object, for any number of blends: what does not change between two blends is
