@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: Apache-2.0
+// The object as it is laid over a photo: scaled, turned, and in its place.
+import { checkNumber, fail } from "./errors.js";
+import { cutImage } from "./object.js";
+import { findReach } from "./outline.js";
+
+const WIDEST_SURROUNDINGS = 32, LARGEST_REACH = 256, AUTO = -1;
+// Positions beyond these would leave the module's integers.
+const FARTHEST = 1e9;
+
+export function checkPlacement(placement) {
+    const { x, y, zoom = 1, angle = 0 } = placement ?? {};
+    checkNumber("zoom", zoom);
+    if (!(Math.fround(zoom) > 0)) fail("argument", `zoom is ${zoom}, must be above 0`);
+    return {
+        x: checkNumber("x", x, -FARTHEST, FARTHEST),
+        y: checkNumber("y", y, -FARTHEST, FARTHEST),
+        zoom,
+        angle: Math.fround(checkNumber("angle", angle) % 360),
+    };
+}
+
+export function checkReach(surroundings = 0) {
+    if (surroundings === "auto") return AUTO;
+    return Math.round(checkNumber("surroundings", surroundings, 0, LARGEST_REACH));
+}
+
+const widestOf = (reach) => (reach === AUTO ? WIDEST_SURROUNDINGS : reach);
+
+/** Half-open, in the photo. */
+export function extentOf(outline, middle, place) {
+    const reach = findReach(outline, middle, place.angle);
+    return {
+        left: place.x - reach.left * place.zoom,
+        top: place.y - reach.up * place.zoom,
+        right: place.x + reach.right * place.zoom,
+        bottom: place.y + reach.down * place.zoom,
+    };
+}
+
+/** The point where the middle of the object comes to stand: unscaled, its pixels stay whole. */
+export function settle(object, place) {
+    if (place.zoom !== 1 || place.angle !== 0) return place;
+    const { x, y } = object.middle;
+    return { ...place, x: x + Math.floor(place.x - x), y: y + Math.floor(place.y - y) };
+}
+
+function windowAround(extent, room) {
+    const left = Math.floor(extent.left) - room, top = Math.floor(extent.top) - room;
+    return { left, top, width: Math.ceil(extent.right) + room - left,
+        height: Math.ceil(extent.bottom) + room - top };
+}
+
+// What of it lies in a photo whose corner is at -corner, with room around.
+function clampWindow(window, photo, corner, room) {
+    const left = Math.max(window.left, -room - corner.x);
+    const top = Math.max(window.top, -room - corner.y);
+    const right = Math.min(window.left + window.width, photo.width + room - corner.x);
+    const bottom = Math.min(window.top + window.height, photo.height + room - corner.y);
+    return { left, top, width: right - left, height: bottom - top };
+}
+
+function turnImage(core, image, from, place, window) {
+    const turn = { from, to: place, zoom: place.zoom, angle: place.angle };
+    return core.turned(image, turn, window);
+}
+
+function turnedLayer(core, object, image, place, window, reach) {
+    const layer = { object: turnImage(core, image, object.middle, place, window),
+        surroundings: null, reach, left: window.left, top: window.top };
+    if (reach === 0) return layer;
+    const room = Math.min(Math.ceil(2 * widestOf(reach) / place.zoom) + 4,
+        Math.max(object.source.picture.width, object.source.picture.height));
+    let around = null;
+    try {
+        around = object.around(room);
+        const from = { x: object.middle.x + room, y: object.middle.y + room };
+        layer.surroundings = turnImage(core, around, from, place, window);
+    } catch (error) {
+        core.freeImage(layer.object);
+        throw error;
+    } finally {
+        core.freeImage(around);
+    }
+    return layer;
+}
+
+// Neither scaled nor turned, but with the picture around the object.
+function wideLayer(core, object, place, room, reach) {
+    const { width, height } = object.box;
+    const wide = { left: -room, top: -room, width: width + 2 * room, height: height + 2 * room };
+    const layer = { object: cutImage(core, object.shape("prepared").image, wide), surroundings: null, reach,
+        left: place.x - object.middle.x - room, top: place.y - object.middle.y - room };
+    try {
+        layer.surroundings = object.around(room);
+    } catch (error) {
+        core.freeImage(layer.object);
+        throw error;
+    }
+    return layer;
+}
+
+/**
+ * Layers of one object. The last one is kept: as long as zoom, angle and the fractions of the place
+ * stay, it is only moved.
+ */
+export class Layers {
+    #core;
+    #key = "";
+    #layer = null;
+    #borrowed = false;
+
+    constructor(core) {
+        this.#core = core;
+    }
+
+    forget() {
+        if (this.#layer && !this.#borrowed) {
+            this.#core.freeImage(this.#layer.object);
+            this.#core.freeImage(this.#layer.surroundings);
+        }
+        this.#layer = null;
+        this.#key = "";
+    }
+
+    /**
+     * At a settled place in a photo, good until the next call, with the box of what it can change;
+     * null if it is outside.
+     */
+    find(object, photo, place, options) {
+        const reach =
+            options.mode === "prepared" && object.findings.surroundings ? options.reach : 0;
+        // Surroundings fade towards the end of their picture too, which must not be the window's.
+        const widest = widestOf(reach), room = 2 * widest + 2 + Math.ceil(place.zoom / 2);
+        const whole = { x: Math.floor(place.x), y: Math.floor(place.y) };
+        const near = { ...place, x: place.x - whole.x, y: place.y - whole.y };
+        const { image, outline } = object.shape(options.mode);
+        let window = windowAround(extentOf(outline, object.middle, near), room);
+        let key = [options.mode, reach, place.zoom, place.angle, near.x, near.y].join();
+        if (window.width * window.height > 4 * photo.width * photo.height) {
+            // Of a very large object only what the photo shows.
+            window = clampWindow(window, photo, whole, room);
+            if (window.width < 1 || window.height < 1) return null;
+            key += [",", whole.x, whole.y, photo.width, photo.height].join();
+        }
+        if (key !== this.#key) {
+            this.forget();
+            this.#layer = this.#make(object, image, near, window, room, reach);
+            this.#key = key;
+        }
+        const layer = this.#layer;
+        return { ...layer, left: layer.left + whole.x, top: layer.top + whole.y,
+            changes: { left: window.left + whole.x + widest, top: window.top + whole.y + widest,
+                width: window.width - 2 * widest, height: window.height - 2 * widest } };
+    }
+
+    #make(object, image, place, window, room, reach) {
+        this.#borrowed = false;
+        if (place.zoom !== 1 || place.angle !== 0) {
+            return turnedLayer(this.#core, object, image, place, window, reach);
+        }
+        if (reach !== 0) return wideLayer(this.#core, object, place, room, reach);
+        this.#borrowed = true;
+        return { object: image, surroundings: null, reach: 0, left: place.x - object.middle.x,
+            top: place.y - object.middle.y };
+    }
+}
