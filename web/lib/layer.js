@@ -6,7 +6,7 @@ import { findReach } from "./outline.js";
 
 const WIDEST_SURROUNDINGS = 32, LARGEST_REACH = 256, AUTO = -1;
 // Positions beyond these would leave the module's integers.
-const FARTHEST = 1e9;
+const FARTHEST = 1e9, LARGEST_ROOM = 1e6;
 
 export function checkPlacement(placement) {
     const { x, y, zoom = 1, angle = 0 } = placement ?? {};
@@ -65,39 +65,52 @@ function turnImage(core, image, from, place, window) {
     return core.turned(image, turn, window);
 }
 
+// What `make` gives for the picture around the object.
+function withAround(core, object, room, make) {
+    const around = object.around(room);
+    try {
+        return make(around);
+    } finally {
+        core.freeImage(around.image);
+    }
+}
+
+function turnedSurroundings(core, object, place, window, reach) {
+    const room = Math.min(Math.ceil(2 * widestOf(reach) / place.zoom) + 4, LARGEST_ROOM);
+    return withAround(core, object, room, ({ image, left, top }) => {
+        const from = { x: object.middle.x - left, y: object.middle.y - top };
+        return turnImage(core, image, from, place, window);
+    });
+}
+
+// Neither scaled nor turned.
+function plainSurroundings(core, object, wide, room) {
+    return withAround(core, object, room, ({ image, left, top }) => cutImage(core, image,
+        { ...wide, left: wide.left - left, top: wide.top - top }));
+}
+
+function addSurroundings(core, layer, make) {
+    try {
+        return { ...layer, surroundings: make() };
+    } catch (error) {
+        core.freeImage(layer.object);
+        throw error;
+    }
+}
+
 function turnedLayer(core, object, image, place, window, reach) {
     const layer = { object: turnImage(core, image, object.middle, place, window),
         surroundings: null, reach, left: window.left, top: window.top };
-    if (reach === 0) return layer;
-    const room = Math.min(Math.ceil(2 * widestOf(reach) / place.zoom) + 4,
-        Math.max(object.source.picture.width, object.source.picture.height));
-    let around = null;
-    try {
-        around = object.around(room);
-        const from = { x: object.middle.x + room, y: object.middle.y + room };
-        layer.surroundings = turnImage(core, around, from, place, window);
-    } catch (error) {
-        core.freeImage(layer.object);
-        throw error;
-    } finally {
-        core.freeImage(around);
-    }
-    return layer;
+    return reach === 0 ? layer : addSurroundings(core, layer,
+        () => turnedSurroundings(core, object, place, window, reach));
 }
 
-// Neither scaled nor turned, but with the picture around the object.
-function wideLayer(core, object, place, room, reach) {
+function wideLayer(core, object, image, place, room, reach) {
     const { width, height } = object.box;
     const wide = { left: -room, top: -room, width: width + 2 * room, height: height + 2 * room };
-    const layer = { object: cutImage(core, object.shape("prepared").image, wide), surroundings: null, reach,
+    const layer = { object: cutImage(core, image, wide), surroundings: null, reach,
         left: place.x - object.middle.x - room, top: place.y - object.middle.y - room };
-    try {
-        layer.surroundings = object.around(room);
-    } catch (error) {
-        core.freeImage(layer.object);
-        throw error;
-    }
-    return layer;
+    return addSurroundings(core, layer, () => plainSurroundings(core, object, wide, room));
 }
 
 /**
@@ -159,7 +172,7 @@ export class Layers {
         if (place.zoom !== 1 || place.angle !== 0) {
             return turnedLayer(this.#core, object, image, place, window, reach);
         }
-        if (reach !== 0) return wideLayer(this.#core, object, place, room, reach);
+        if (reach !== 0) return wideLayer(this.#core, object, image, place, room, reach);
         this.#borrowed = true;
         return { object: image, surroundings: null, reach: 0, left: place.x - object.middle.x,
             top: place.y - object.middle.y };

@@ -137,22 +137,17 @@ export class PreparedObject {
         return { image, outline };
     }
 
-    /** What is around the object: opaque where its picture reaches, `room` pixels beyond `box`. */
+    /** What is around the object, opaque, up to `room` pixels beyond `box`, and where that begins. */
     around(room) {
         const { box } = this, { picture } = this.source;
-        const wanted = { left: box.left - room, top: box.top - room,
-            width: box.width + 2 * room, height: box.height + 2 * room };
-        const part = cutImage(this.#core, picture, wanted);
-        const words = wordsIn(this.#core, part);
-        const left = Math.max(-wanted.left, 0);
-        const right = Math.min(picture.width - wanted.left, wanted.width);
-        const bottom = Math.min(picture.height - wanted.top, wanted.height);
-        for (let y = Math.max(-wanted.top, 0); y < bottom; y++) {
-            for (let i = y * wanted.width + left; i < y * wanted.width + right; i++) {
-                words[i] |= 255;
-            }
-        }
-        return part;
+        const left = Math.max(box.left - room, 0), top = Math.max(box.top - room, 0);
+        const right = Math.min(box.left + box.width + room, picture.width);
+        const bottom = Math.min(box.top + box.height + room, picture.height);
+        const image = cutImage(this.#core, picture,
+            { left, top, width: right - left, height: bottom - top });
+        const words = wordsIn(this.#core, image);
+        for (let i = 0; i < words.length; i++) words[i] |= 255;
+        return { image, left: left - box.left, top: top - box.top };
     }
 
     free() {
