@@ -15,12 +15,13 @@ run_apt() {
     fi
 }
 
+has_package() { dpkg-query -W -f='${Status}' "$1" 2>/dev/null | grep -q 'ok installed'; }
+
 # need_packages NAME...: installs those that are not there, with sudo when not root.
 need_packages() {
     local missing=() as_root=() log status=0
     for name in "$@"; do
-        dpkg-query -W -f='${Status}' "$name" 2>/dev/null | grep -q 'ok installed' ||
-            missing+=("$name")
+        has_package "$name" || missing+=("$name")
     done
     [ ${#missing[@]} -eq 0 ] && return 0
     echo "installing Debian packages with what they need, which may take some minutes:"
@@ -43,6 +44,21 @@ need_packages() {
     return $status
 }
 
+# Node may be any from version 18 on that is in the path, and so may npm.
+has_node() { [ "$(node -p 'parseInt(process.versions.node) >= 18' 2>/dev/null)" = true ]; }
+need_node() { has_node || need_packages nodejs; }
+need_npm() { npm --version >/dev/null 2>&1 || need_packages npm; }
+
+# What the tests of the npm package need beside a browser.
+has_web() {
+    local name
+    for name in "${web_packages[@]}"; do
+        has_package "$name" || return 1
+    done
+    has_node && npm --version >/dev/null 2>&1
+}
+
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libvips-tools parallel procps imagemagick openjdk-17-jdk-headless junit4
     python3 python3-numpy python3-pil binutils strace dpkg-dev file openssh-client openssh-server)
+web_packages=(cmake make clang lld wasi-libc libclang-rt-14-dev-wasm32 binaryen)
