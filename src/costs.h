@@ -4,7 +4,12 @@
 #define IMAGEBLEND_COSTS_H
 
 // About as many pixels of a blend as one thread gets through in a millisecond.
-enum { PLAIN_PIXELS_A_MS = 50000, ARM_PIXELS_A_MS = 250000, X86_PIXELS_A_MS = 1000000 };
+enum {
+    PLAIN_PIXELS_A_MS = 50000,
+    WASM_PIXELS_A_MS = 250000,
+    ARM_PIXELS_A_MS = 250000,
+    X86_PIXELS_A_MS = 1000000
+};
 
 // Work of less than this is done sooner by the caller alone: starting a thread takes 10 to 30 us and
 // saves at most half of the work where there are two cores.
