@@ -23,14 +23,25 @@ static int32_t running_threads(void) {
     return slash != NULL ? atoi(slash) : 0;
 }
 
+// Cores of the whole system; asked for once, as that opens another file.
+static int32_t all_cores(void) {
+    static int32_t known = 0;
+    int32_t cores = __atomic_load_n(&known, __ATOMIC_RELAXED);
+    if (cores == 0) {
+        cores = (int32_t)sysconf(_SC_NPROCESSORS_ONLN);
+        __atomic_store_n(&known, cores, __ATOMIC_RELAXED);
+    }
+    return cores;
+}
+
 int32_t free_cores(void) {
     cpu_set_t allowed;
     if (sched_getaffinity(0, sizeof allowed, &allowed) != 0) return 1;
     const int32_t mine = CPU_COUNT(&allowed);
     if (mine < 2) return 1;
     const int32_t running = running_threads();
-    const int32_t all = (int32_t)sysconf(_SC_NPROCESSORS_ONLN);
     const int32_t others = running > 0 ? running - 1 : 0;
+    const int32_t all = all_cores();
     const int32_t idle = (all > mine ? all : mine) - others;
     return idle < 1 ? 1 : idle < mine ? idle : mine;
 }
