@@ -46,11 +46,14 @@ void print_pyramids(const results& from) {
 }
 
 void print_calls(const results& from) {
-    printf("\nWhole calls and their peak memory beyond the caller's buffers\n");
-    print_row("scene", {"ms", "MiB", "B/region px", "B/frame px"});
+    printf(
+        "\nWhole calls and their peak memory beyond the caller's buffers (first: the only call of\n"
+        "a process, where every page is new)\n");
+    print_row("scene", {"ms", "first, ms", "MiB", "B/region px", "B/frame px"});
     for (const std::string& name : from.names("call/")) {
         const std::string scene = name.substr(5), memory = "memory/" + scene;
         print_row(scene, {number(from.time_ns(name) / 1e6, 3),
+                          number(from.time_ns("first_call/" + scene) / 1e6, 3),
                           number(from.value(memory, "peak_bytes") / (1 << 20), 2),
                           number(from.value(memory, "per_region_pixel"), 2),
                           number(from.value(memory, "per_frame_pixel"), 3)});

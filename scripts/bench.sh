@@ -19,7 +19,7 @@ need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev gnuplot-nox 
 build=${BUILD_DIR:-$root/build}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
 programs=(bench_rows bench_pyramid bench_calls bench_prepare)
-cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_memory bench_table
+cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_fresh bench_memory bench_table
 
 unset IMAGEBLEND_LOG
 results=$build/bench/results
@@ -35,6 +35,9 @@ for program in "${programs[@]}"; do
         { cat "$results/$program.log" >&2; exit 1; }
     files+=("$results/$program.json")
 done
+echo "running bench_fresh"
+"$build/bench/bench_fresh" "$($quick && echo 3 || echo 21)" >"$results/bench_fresh.json"
+files+=("$results/bench_fresh.json")
 echo "running bench_memory"
 if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
     files+=("$results/bench_memory.json")
