@@ -50,6 +50,7 @@ bar at_most(const std::string& subject, double measured, double limit, const cha
 
 int print_bars(const results& from) {
     const auto ours = [&](int side) { return pyramid_ns(from, "imageblend", side); };
+    const auto halide = [&](int side) { return pyramid_ns(from, "halide", side); };
     const auto per_pixel = [&](int side) { return ours(side) / side / side; };
     const auto call = [&](const char* scene) {
         return from.time_ns(std::string("call/4000x3000_") + scene) / 1e6;
@@ -61,10 +62,14 @@ int print_bars(const results& from) {
     const double region = from.time_ns("region/imageblend/1128") / 1e6;
     const double call_limit = copy + 2 * region;
     const bar bars[] = {
-        faster_than("pyramid 1024, against MultiBandBlender", multiband_ns(from, 1024), ours(1024),
-                    10),
+        faster_than("pyramid 256, against Halide", halide(256), ours(256), 1.0),
+        faster_than("pyramid 512, against Halide", halide(512), ours(512), 1.1),
+        faster_than("pyramid 1024, against Halide", halide(1024), ours(1024), 1.3),
+        faster_than("pyramid 2048, against Halide", halide(2048), ours(2048), 1.3),
         faster_than("pyramid 1024, against the blend by hand", by_hand_ns(from, 1024), ours(1024),
-                    5, 8),
+                    8),
+        faster_than("pyramid 1024, against MultiBandBlender", multiband_ns(from, 1024), ours(1024),
+                    25),
         faster_than("pyramid 256, against MultiBandBlender", multiband_ns(from, 256), ours(256), 5),
         at_most("ns/pixel at 2048, against 1.3 times that at 512", per_pixel(2048),
                 1.3 * per_pixel(512), "ns", 3),

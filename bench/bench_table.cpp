@@ -20,28 +20,54 @@ void print_row(const std::string& head, const std::vector<std::string>& cells) {
     printf("\n");
 }
 
-void print_pyramids(const results& from) {
-    printf(
-        "\nPyramid alone, ns for each pixel (_1: OpenCV on one thread; 16s: with 16-bit\nweights; "
-        "memcpy of 25 bytes)\n");
-    print_row("side", {"imageblend", "fresh memory", "by hand_1", "by hand", "multiband_1",
-                       "multiband", "multi 16s", "memcpy"});
+struct column {
+    const char *title, *kind;
+};
+
+void print_pyramids(const results& from, const char* title, const std::vector<column>& columns) {
+    printf("\nPyramid alone, ns for each pixel, %s\n", title);
+    std::vector<std::string> heads;
+    for (const column& c : columns)
+        heads.push_back(c.title);
+    print_row("side", heads);
     for (const int side : pyramid_sides()) {
         std::vector<std::string> cells;
-        for (const char* kind : {"imageblend", "imageblend_fresh", "by_hand_1", "by_hand",
-                                 "multiband_1", "multiband", "multiband_16s", "memcpy_25"})
-            cells.push_back(number(pyramid_ns(from, kind, side) / side / side, 3));
+        for (const column& c : columns)
+            cells.push_back(number(pyramid_ns(from, c.kind, side) / side / side, 3));
         print_row(std::to_string(side), cells);
     }
-    printf("\nTimes of the fastest variant of each, divided by ours\n");
-    print_row("side", {"by hand", "MultiBand", "memcpy", "hand/fresh", "multi/fresh"});
+}
+
+void print_pyramids(const results& from) {
+    print_pyramids(from, "on one thread (memcpy of 25 bytes)",
+                   {{"imageblend", "imageblend_1"},
+                    {"Halide", "halide_1"},
+                    {"by hand", "by_hand_1"},
+                    {"MultiBand", "multiband_1"},
+                    {"memcpy", "memcpy_25"}});
+    print_pyramids(from, "on all cores (16s: with 16-bit weights)",
+                   {{"imageblend", "imageblend"},
+                    {"fresh memory", "imageblend_fresh"},
+                    {"Halide", "halide"},
+                    {"by hand", "by_hand"},
+                    {"MultiBand", "multiband"},
+                    {"MultiBand 16s", "multiband_16s"}});
+    printf(
+        "\nTimes divided by ours: of Halide on as many threads, of the others' fastest variants "
+        "on\n"
+        "all cores, and of these by ours on fresh memory\n");
+    print_row("side",
+              {"Halide, one", "Halide, all", "by hand", "MultiBand", "hand/fresh", "multi/fresh"});
     for (const int side : pyramid_sides()) {
-        const double ours = pyramid_ns(from, "imageblend", side);
-        const double fresh = pyramid_ns(from, "imageblend_fresh", side);
+        const auto over = [&](double peer, const char* kind) {
+            return number(peer / pyramid_ns(from, kind, side), 2);
+        };
         const double by_hand = by_hand_ns(from, side), multiband = multiband_ns(from, side);
-        print_row(std::to_string(side), {number(by_hand / ours, 2), number(multiband / ours, 2),
-                                         number(pyramid_ns(from, "memcpy_25", side) / ours, 2),
-                                         number(by_hand / fresh, 2), number(multiband / fresh, 2)});
+        print_row(std::to_string(side),
+                  {over(pyramid_ns(from, "halide_1", side), "imageblend_1"),
+                   over(pyramid_ns(from, "halide", side), "imageblend"),
+                   over(by_hand, "imageblend"), over(multiband, "imageblend"),
+                   over(by_hand, "imageblend_fresh"), over(multiband, "imageblend_fresh")});
     }
 }
 
@@ -98,13 +124,17 @@ void print_quality(const results& from) {
     }
 }
 
-// One line for each size: side and ns/pixel of ours, of the blend by hand and of MultiBandBlender.
+// One line for each size: side and ns/pixel of ours, Halide, the blend by hand and
+// MultiBandBlender.
 void write_plot_data(const results& from, const std::string& path) {
     std::ofstream file(path);
     for (const int side : pyramid_sides()) {
-        const double pixels = static_cast<double>(side) * side;
-        file << side << " " << pyramid_ns(from, "imageblend", side) / pixels << " "
-             << by_hand_ns(from, side) / pixels << " " << multiband_ns(from, side) / pixels << "\n";
+        file << side;
+        for (const double ns :
+             {pyramid_ns(from, "imageblend", side), pyramid_ns(from, "halide", side),
+              by_hand_ns(from, side), multiband_ns(from, side)})
+            file << " " << ns / side / side;
+        file << "\n";
     }
     if (!file.flush()) throw std::runtime_error(path + ": cannot be written");
 }

@@ -54,7 +54,12 @@ std::vector<uint8_t> paste(const patch_pair& patches) {
 
 const std::vector<blend_kind>& blend_kinds() {
     static const std::vector<blend_kind> kinds = {
+        {"imageblend_1", make_imageblend, 1},
         {"imageblend", make_imageblend, -1},
+#ifdef IMAGEBLEND_BENCH_HALIDE
+        {"halide_1", make_halide_1, 1},
+        {"halide", make_halide, -1},
+#endif
 #ifdef IMAGEBLEND_BENCH_OPENCV
         {"by_hand_1", make_by_hand, 1},
         {"by_hand", make_by_hand, -1},
@@ -66,8 +71,19 @@ const std::vector<blend_kind>& blend_kinds() {
     return kinds;
 }
 
-void set_peer_threads([[maybe_unused]] int threads) {
+thread_limit::thread_limit(const blend_kind& kind) {
+    sched_getaffinity(0, sizeof cores_, &cores_);
+    if (kind.threads == 1) {
+        cpu_set_t one;
+        CPU_ZERO(&one);
+        CPU_SET(static_cast<size_t>(sched_getcpu()), &one);
+        sched_setaffinity(0, sizeof one, &one);
+    }
 #ifdef IMAGEBLEND_BENCH_OPENCV
-    if (threads < 0 || threads != cv::getNumThreads()) cv::setNumThreads(threads);
+    if (kind.threads < 0 || kind.threads != cv::getNumThreads()) cv::setNumThreads(kind.threads);
 #endif
+}
+
+thread_limit::~thread_limit() {
+    sched_setaffinity(0, sizeof cores_, &cores_);
 }

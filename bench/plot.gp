@@ -16,8 +16,10 @@ set ytics nomirror
 set key outside top center horizontal Left reverse
 label(v) = sprintf(v < 10 ? "%.2f" : "%.1f", v)
 plot data using 2:xtic(sprintf("%dx%d", $1, $1)) title "imageblend" linecolor rgb "#1b6ca8", \
-     data using 3 title "by hand with pyrDown and pyrUp" linecolor rgb "#f2a541", \
-     data using 4 title "MultiBandBlender" linecolor rgb "#b0b7bf", \
-     data using ($0 - 0.25):2:(label($2)) with labels notitle offset 0, 0.6 font ",10", \
-     data using ($0):3:(label($3)) with labels notitle offset 0, 0.6 font ",10", \
-     data using ($0 + 0.25):4:(label($4)) with labels notitle offset 0, 0.6 font ",10"
+     data using 3 title "Halide" linecolor rgb "#6a994e", \
+     data using 4 title "by hand with pyrDown and pyrUp" linecolor rgb "#f2a541", \
+     data using 5 title "MultiBandBlender" linecolor rgb "#b0b7bf", \
+     data using ($0 - 0.3):2:(label($2)) with labels notitle offset 0, 0.6 font ",10", \
+     data using ($0 - 0.1):3:(label($3)) with labels notitle offset 0, 0.6 font ",10", \
+     data using ($0 + 0.1):4:(label($4)) with labels notitle offset 0, 0.6 font ",10", \
+     data using ($0 + 0.3):5:(label($5)) with labels notitle offset 0, 0.6 font ",10"

@@ -15,7 +15,7 @@ for option in "$@"; do
     esac
 done
 
-need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev gnuplot-nox enblend
+need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev libhalide14-0-dev gnuplot-nox enblend
 build=${BUILD_DIR:-$root/build}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
 programs=(bench_rows bench_pyramid bench_calls bench_prepare)
