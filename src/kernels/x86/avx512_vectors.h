@@ -30,10 +30,13 @@ typedef struct positions {
     uint8_t at[64];
 } positions;
 
-// What the shared formulas are made of, as in avx2_vectors.h. All ones less a value: of other ways
-// to write it GCC 12 makes an instruction that waits for the last one that wrote its register.
+// What the shared formulas are made of, as in avx2_vectors.h. Ones that the compiler does not know
+// to be such: for a complement that it recognises GCC 12 makes an instruction that waits for the
+// last one that wrote its register.
 static inline bytes64 invert(bytes64 v) {
-    return _mm512_subs_epu8(_mm512_set1_epi8(-1), v);
+    bytes64 ones = _mm512_set1_epi8(-1);
+    __asm__("" : "+v"(ones));
+    return _mm512_xor_si512(v, ones);
 }
 static inline bytes64 average_up(bytes64 a, bytes64 b) {
     return _mm512_avg_epu8(a, b);

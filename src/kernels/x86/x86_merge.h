@@ -98,21 +98,31 @@ __attribute__((noinline)) void merge_both_run(const merge_rows* rows, size_t p, 
     }
 }
 
+// The picture is chosen anew only where the mask changes: a branch that is mostly foreseen, where
+// an address that depends on the mask would have to be waited for.
 template <class Phase>
 inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
-    const picture_rows pictures[2] = {{rows->under, rows->coarse_under},
-                                      {rows->src, rows->coarse_src}};
     const coarse_rows result = rows->coarse_result;
     const uint8_t* mask = rows->mask;
-    for_each_block(pixels, MERGED_PIXELS, [=, &pictures, &result](size_t p) {
+    picture_rows picture = {rows->under, rows->coarse_under};
+    mask_kind chosen = MASK_CLEAR;
+    for_each_block(pixels, MERGED_PIXELS, [=, &picture, &chosen](size_t p) {
         const mask_kind kind = kind_of(load(mask + p));
-        if (kind <= MASK_FULL) {
-            merge_one_run<Phase>(&pictures[kind], &result, 3 * p, dst);
-        } else if (kind == MASK_HARD) {
-            merge_both_run<Phase, true>(rows, p, dst);
-        } else {
-            merge_both_run<Phase, false>(rows, p, dst);
+        if (__builtin_expect(kind == MASK_HARD, 0)) {
+            return merge_both_run<Phase, true>(rows, p, dst);
         }
+        if (__builtin_expect(kind == MASK_SOFT, 0)) {
+            return merge_both_run<Phase, false>(rows, p, dst);
+        }
+        if (kind != chosen) {
+            if (kind == MASK_FULL) {
+                picture = {rows->src, rows->coarse_src};
+            } else {
+                picture = {rows->under, rows->coarse_under};
+            }
+            chosen = kind;
+        }
+        merge_one_run<Phase>(&picture, &result, 3 * p, dst);
     });
 }
 
