@@ -92,6 +92,16 @@ photos() {
             [ "$(vips autorot o.$kind a.v && size a.v)" = 400x600 ] || fail "a turned photo"
         [ -z "$(field o.$kind jpeg-thumbnail-data)" ] || fail "an old thumbnail in o.$kind"
     done
+    # A file of this kind holds the data as they are handed on, for whoever reads them.
+    run 0 blend cut.png turned.jpg o.v
+    field o.v exif-data | base64 -d >exif
+    {
+        head -c 2 bare.jpg
+        segment '\xe1' exif
+        tail -c +3 bare.jpg
+    } >again.jpg
+    has again.jpg exif-ifd0-Artist
+    [ -z "$(field again.jpg jpeg-thumbnail-data)" ] || fail "an old thumbnail in o.v"
 
     # In P3, red is (184, 56, 49); green keeps its values whatever they mean.
     run 0 blend cut.png p3.png o.png && silent
@@ -184,7 +194,7 @@ streams() {
     ls .png* >/dev/null 2>&1 && fail "a file was written for a suffix alone"
     "$tool" cutout red.png --mask - - <bar.png >o.out 2>err || fail "status $?"
     [ "$(size o.out)" = 120x80 ] || fail "cut-out to standard output"
-    [ "$("$tool" size - <bar.png)" = "120 80" ] || fail "a mask from standard input"
+    [ "$(cat bar.png | "$tool" size -)" = "120 80" ] || fail "a mask from standard input"
     run 64 blend - - o.png && says "standard input"
     run 64 blend cut.png black.png .xyz
     "$tool" batch - 2>err <<<'{"source":"cut.png","destination":"black.png","output":".png"}'
