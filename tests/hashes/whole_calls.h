@@ -8,8 +8,7 @@
 
 #include <string>
 
-#include "support/compare.h"
-#include "support/scene.h"
+#include "support/library_calls.h"
 
 namespace hashes {
 
