@@ -58,6 +58,9 @@ int print_bars(const results& from) {
     const auto first_call = [&](const char* scene) {
         return from.time_ns(std::string("first_call/4000x3000_") + scene) / 1e6;
     };
+    const auto loaded = [&](const std::string& blend) {
+        return from.time_ns("loaded/" + blend) / from.time_ns("loaded_1/" + blend);
+    };
     const double copy = from.time_ns("frame_copy/4000x3000_plain") / 1e6;
     const double region = from.time_ns("region/imageblend/1128") / 1e6;
     const double call_limit = copy + 2 * region;
@@ -80,6 +83,10 @@ int print_bars(const results& from) {
         at_most("first call of a process at angle 30, against the plain one",
                 first_call("angle_30") / first_call("plain"), 1.5, "x", 2),
         at_most("call zoom 0.7, against the plain call", call("zoom_0.7"), call("plain"), "ms", 2),
+        at_most("pyramid 1024 beside busy loops, against one thread there", loaded("pyramid 1024"),
+                1.3, "x", 2),
+        at_most("call plain beside busy loops, against one thread there", loaded("4000x3000_plain"),
+                1.3, "x", 2),
         at_most("memory of the plain call for a region pixel",
                 from.value("memory/4000x3000_plain", "per_region_pixel"), 5, "bytes", 1),
     };

@@ -92,6 +92,16 @@ void print_calls(const results& from) {
                   {number(from.time_ns(name) / 1e6, 3)});
 }
 
+void print_loaded(const results& from) {
+    printf("\nBeside as many busy loops as there are cores\n");
+    print_row("blend", {"one thread, ms", "free, ms", "free/one"});
+    for (const std::string& name : from.names("loaded/")) {
+        const std::string blend = name.substr(7);
+        const double one = from.time_ns("loaded_1/" + blend), any = from.time_ns(name);
+        print_row(blend, {number(one / 1e6, 3), number(any / 1e6, 3), number(any / one, 2)});
+    }
+}
+
 void print_rows(const results& from) {
     printf("\nRow operations, GB/s read and written\n");
     print_row("operation", {"plain", "active", "memcpy", "active/plain", "of memcpy"});
@@ -157,6 +167,7 @@ int main(int argc, char** argv) {
         printf("Medians of %d rounds; %s\n", from.rounds, from.machine.c_str());
         print_pyramids(from);
         print_calls(from);
+        print_loaded(from);
         print_rows(from);
         print_quality(from);
         const int missed = print_bars(from);
