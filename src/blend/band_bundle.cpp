@@ -145,51 +145,50 @@ static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scrat
     }
 }
 
-// The rows of the rings around coarse row `row`, or the row alone where it is to be copied.
-static coarse_rows rows_around(const band_bundle* bundle, size_t i, int32_t row, bool copied,
-                               const merge_scratch* scratch) {
+// The rows of the rings around coarse row `row`; at the level's ends it stands for its neighbour.
+static void look_around(const band_bundle* bundle, int32_t row, const merge_scratch* scratch,
+                        merge_rows* inputs) {
     const size_t pitch = pitch_of(bundle->fine->width);
-    const bool is_last = copied || row == bundle->coarse->height - 1;
-    coarse_rows around;
-    around.above = ring_row(scratch, i, row > 0 ? row - 1 : row, pitch);
-    around.centre = ring_row(scratch, i, row, pitch);
-    around.below = ring_row(scratch, i, is_last ? row : row + 1, pitch);
-    return around;
+    const int32_t above = row > 0 ? row - 1 : row;
+    const int32_t below = row < bundle->coarse->height - 1 ? row + 1 : row;
+    coarse_rows* const around[3] = {&inputs->coarse_src, &inputs->coarse_under,
+                                    &inputs->coarse_result};
+    for (size_t i = 0; i < 3; i++) {
+        around[i]->above = ring_row(scratch, i, above, pitch);
+        around[i]->centre = ring_row(scratch, i, row, pitch);
+        around[i]->below = ring_row(scratch, i, below, pitch);
+    }
 }
 
-// Row `row` of the result. Behind the rows of the last coarse row there may be one more, a copy:
-// between the row and itself.
-static void make_row(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
+// Row `row` of the result between the coarse rows of `inputs`.
+static void make_row(const band_bundle* bundle, int32_t row, merge_row* merge,
+                     const merge_scratch* scratch, merge_rows* inputs) {
     const pyramid_level* fine = bundle->fine;
     const int32_t width = fine->width;
-    const bool copied = row == 2 * bundle->coarse->height;
-    const int32_t coarse = copied ? row / 2 - 1 : row / 2;
-    merge_rows inputs;
-    inputs.mask = fine->mask + (size_t)row * (size_t)width;
-    inputs.src = read_rows(&fine->src, row, 1, width, scratch->cut_src);
-    inputs.under = read_rows(&fine->dst, row, 1, width, scratch->cut_dst);
-    inputs.coarse_src = rows_around(bundle, 0, coarse, copied, scratch);
-    inputs.coarse_under = rows_around(bundle, 1, coarse, copied, scratch);
-    inputs.coarse_result = rows_around(bundle, 2, coarse, copied, scratch);
+    inputs->mask = fine->mask + (size_t)row * (size_t)width;
+    inputs->src = read_rows(&fine->src, row, 1, width, scratch->cut_src);
+    inputs->under = read_rows(&fine->dst, row, 1, width, scratch->cut_dst);
     uint8_t* out = result_rows(&fine->result, row, scratch->out);
-    const row_ops* ops = active_row_ops();
-    (copied || row % 2 == 1 ? ops->merge_odd : ops->merge_even)(&inputs, out, (size_t)width);
+    merge(inputs, out, (size_t)width);
     store_rows(&fine->result, row, 1, width, out);
 }
 
 void band_bundle_collapse(const band_bundle* bundle) {
+    const row_ops* ops = active_row_ops();
     const int32_t coarse_height = bundle->coarse->height;
     const merge_scratch scratch = split_for_merge(bundle->scratch, bundle->fine->width);
+    merge_rows inputs;
     if (bundle->begin > 0) fill_rings(bundle, bundle->begin - 1, &scratch);
     fill_rings(bundle, bundle->begin, &scratch);
     for (int32_t row = bundle->begin; row < bundle->end; row++) {
         if (row + 1 < coarse_height) fill_rings(bundle, row + 1, &scratch);
-        make_row(bundle, 2 * row, &scratch);
-        make_row(bundle, 2 * row + 1, &scratch);
+        look_around(bundle, row, &scratch, &inputs);
+        make_row(bundle, 2 * row, ops->merge_even, &scratch, &inputs);
+        make_row(bundle, 2 * row + 1, ops->merge_odd, &scratch, &inputs);
     }
-    const bool is_last = bundle->end == coarse_height;
-    if (is_last && 2 * coarse_height < bundle->fine->height) {
-        make_row(bundle, 2 * coarse_height, &scratch);
+    // Behind the rows of the last coarse row there may be one more, between that row and itself.
+    if (bundle->end == coarse_height && 2 * coarse_height < bundle->fine->height) {
+        make_row(bundle, 2 * coarse_height, ops->merge_odd, &scratch, &inputs);
     }
 }
 
