@@ -136,6 +136,8 @@ conversions() {
     run 0 blend cut.png veil.png o.jpg && says "no alpha channel"
     run 0 blend cut.png black.png o.pgm && says "o.pgm: this kind of file holds no colour"
     run 0 blend cut.png black.png o.csv && says "holds no colour"
+    flat long.png 17000 10 0 3 # more than the format has room for
+    run 73 blend cut.png long.png o.webp && says "o.webp: cannot be written: webpsave"
     # All that libvips takes from a file's name: this one has none while it is written.
     vips copy o.pgm o.v && [ "$(field o.v bands)" = 1 ] || fail "o.pgm is not grey"
     run 0 blend cut.png black.png o.v && [ "$(field o.v bands)" = 3 ] || fail "o.v"
