@@ -140,8 +140,8 @@ static void unpack_rgb(const uint8_t* __restrict rgb, uint8_t* __restrict argb, 
 }
 
 const row_ops plain_rows = {
-    "plain",       PLAIN_PIXELS_A_MS, reduce_row_c3, reduce_row_c1,
-    expand_row_c3, reduce_column,     NULL,          NULL,
-    merge_even,    merge_odd,         mix_rows,      resample_row_c3,
-    pack_rgb,      unpack_rgb,
+    "plain",       PLAIN_PIXELS_A_MS, reduce_row_c3,  reduce_row_c1,
+    expand_row_c3, reduce_column,     NULL,           NULL,
+    merge_even,    merge_odd,         mix_rows,       resample_row_c3,
+    pack_rgb,      unpack_rgb,        plain_turn_rgb, plain_turn_mask,
 };

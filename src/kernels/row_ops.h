@@ -75,6 +75,20 @@ static inline size_t reduce_two_bytes(int32_t dst_width, int32_t channels) {
 // 254.
 typedef void merge_row(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels);
 
+// A row of a turned picture: pixel x takes the pixel of `frame` in column
+//   trunc(column + column_step * (x - centre))
+// and in the row of the same formula, in single precision. All of them lie inside the frame, which
+// has frame_width * frame_height pixels, as many as the row or more.
+typedef struct turned_row {
+    float column, row;  // where x is the centre
+    float column_step, row_step;
+    float centre;
+    int32_t frame_width, frame_height;
+    const uint8_t* frame;
+    ptrdiff_t ahead;  // from a pixel to one that a row soon to come takes, in pixels
+    int32_t phase;    // 0..3, another one in the next row
+} turned_row;
+
 // Linear interpolation between two rows, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
 typedef void mix_two_rows(const uint8_t* s0, const uint8_t* s1, int32_t weight,
                           uint8_t* __restrict dst, size_t bytes);
@@ -87,6 +101,12 @@ typedef void resample_row(const uint8_t* __restrict src, const row_tap* taps,
 // Colours of 4-byte pixels, bytes 1 to 3, to packed ones, or back with byte 0 set to 255.
 typedef void convert_row(const uint8_t* __restrict src, uint8_t* __restrict dst, size_t pixels);
 
+// Pixels x to x + pixels - 1 of a turned row: bytes 1 to 3 of 4-byte pixels, packed, or single
+// bytes. The pixels of a row lie in many rows of the frame, too far apart for the processor to
+// foresee; so every fourth pixel fetches the one `ahead` of it, from an address that may lie
+// anywhere.
+typedef void turn_row(const turned_row* row, int32_t x, uint8_t* __restrict dst, size_t pixels);
+
 // c3: three interleaved channels, c1: one.
 typedef struct row_ops {
     const char* name;
@@ -98,10 +118,14 @@ typedef struct row_ops {
     mix_two_rows* mix_rows;
     resample_row* resample_row_c3;
     convert_row *pack_rgb, *unpack_rgb;
+    turn_row *turn_rgb, *turn_mask;
 } row_ops;
 
 // Plain C++, the definition of every result.
 extern const row_ops plain_rows;
+
+// What its table names; for others to fall back on.
+turn_row plain_turn_rgb, plain_turn_mask;
 
 // reduce_row_c3 and expand_row_c3 for rows whose pixels of three channels lie `step` bytes apart,
 // in both rows. What is between them is left alone.

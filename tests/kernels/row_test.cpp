@@ -172,12 +172,56 @@ TEST_P(Rows, TwoAtATime) {
     }
 }
 
+// Rows of n pixels through frames that they touch at the edges: forwards and backwards, along a
+// row, along a column and between. The first pixel is that of a column left of 0 too.
+std::vector<row_case> turn_cases(int32_t n, int kind) {
+    const std::pair<float, float> steps[] = {{1, 0},        {-1, 0},          {0, 1},
+                                             {0, -1},       {0.866F, 0.5F},   {-0.26F, 0.97F},
+                                             {0.7F, -0.7F}, {-0.999F, -1e-3F}};
+    std::vector<row_case> cases;
+    const auto count = static_cast<size_t>(n);
+    for (const auto& [column_step, row_step] : steps) {
+        const auto last = [&](float step) { return std::abs(step) * static_cast<float>(n - 1); };
+        const auto start = [&](float step) { return (step < 0 ? last(step) : 0) + 0.25F; };
+        // As many columns as pixels where all of them lie in few rows.
+        const int32_t height = static_cast<int32_t>(last(row_step) + 0.25F) + 1;
+        const int32_t width =
+            std::max(static_cast<int32_t>(last(column_step) + 0.25F) + 1, (n - 1) / height + 1);
+        const float aside = column_step < 0 ? static_cast<float>(width) - 1 - last(column_step) : 0;
+        const turned_row row = {start(column_step) + aside,
+                                start(row_step),
+                                column_step,
+                                row_step,
+                                -3,
+                                width,
+                                height,
+                                nullptr,
+                                2 * width + 1,
+                                n % 4};
+        const size_t pixels = static_cast<size_t>(width) * static_cast<size_t>(height);
+        const auto add = [&](const char* name, turn_row* row_ops::*turn, size_t taken,
+                             size_t made) {
+            cases.push_back({name,
+                             {naive::data(kind, taken * pixels, 7)},
+                             made * count,
+                             [=](auto& t, auto& in, auto* out) {
+                                 turned_row from = row;
+                                 from.frame = in[0];
+                                 (t.*turn)(&from, -3, out, count);
+                             }});
+        };
+        add("turn_rgb", &row_ops::turn_rgb, 4, 3);
+        add("turn_mask", &row_ops::turn_mask, 1, 1);
+    }
+    return cases;
+}
+
 TEST_P(Rows, OfEveryLength) {
     for (int32_t n = 1; n <= 132; ++n) {
         for (const int kind : {1, 2, 3, 4, 5}) {
             SCOPED_TRACE("length " + std::to_string(n) + ", data " + std::to_string(kind));
-            for (const auto& cases :
-                 {element_cases(static_cast<size_t>(n), kind), filter_cases(n, kind)}) {
+            for (const auto& cases : {element_cases(static_cast<size_t>(n), kind),
+                                      filter_cases(n, kind), turn_cases(n, kind)}) {
                 for (const row_case& c : cases) {
                     check(*GetParam(), c);
                     ASSERT_FALSE(HasFatalFailure());

@@ -19,6 +19,8 @@ const row_ops* machine_row_ops(int32_t rank) {
         neon_resample_row_c3,
         neon_pack_rgb,
         neon_unpack_rgb,
+        neon_turn_rgb,
+        neon_turn_mask,
     };
     return rank == 0 ? &table : NULL;
 }

@@ -11,5 +11,6 @@ merge_row neon_merge_even, neon_merge_odd;
 mix_two_rows neon_mix_rows;
 resample_row neon_resample_row_c3;
 convert_row neon_pack_rgb, neon_unpack_rgb;
+turn_row neon_turn_rgb, neon_turn_mask;
 
 #endif

@@ -19,6 +19,8 @@ const row_ops* machine_row_ops(int32_t rank) {
         simd128_resample_row_c3,
         simd128_pack_rgb,
         simd128_unpack_rgb,
+        plain_turn_rgb,
+        plain_turn_mask,
     };
     return rank == 0 ? &table : NULL;
 }

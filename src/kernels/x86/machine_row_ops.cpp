@@ -48,6 +48,8 @@ static constexpr row_ops avx2_operations(void) {
         avx2_resample_row_c3,
         avx2_pack_rgb,
         avx2_unpack_rgb,
+        avx2_turn_rgb,
+        avx2_turn_mask,
     };
 }
 

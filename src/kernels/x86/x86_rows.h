@@ -12,6 +12,7 @@ merge_row avx2_merge_even, avx2_merge_odd;
 mix_two_rows avx2_mix_rows;
 resample_row avx2_resample_row_c3;
 convert_row avx2_pack_rgb, avx2_unpack_rgb;
+turn_row avx2_turn_rgb, avx2_turn_mask;
 filter_two_rows avx512_reduce_two_c3, avx512_reduce_two_c1;
 filter_row avx512_expand_row_c3;
 merge_row avx512_merge_even, avx512_merge_odd;
