@@ -124,9 +124,7 @@ IMAGEBLEND_API int32_t vorn_create_rgb_icon(const blend_image* source, const ble
  * missing ("dst pic xl seam", "xr", "yu", "yd" for left, right, top and bottom).
  *
  * Returns 0 when the object fits with full margins, 1 when a margin touches the border of the
- * frame (a seam may show there), -1 when the object cannot be placed or memory runs out.
- * Memory: one byte for every pixel that the rotated object can reach while it runs, when angle is
- * not 0; otherwise none.
+ * frame (a seam may show there), -1 when the object cannot be placed. Needs no memory.
  */
 IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t width, int32_t height,
                                             int32_t reserved1, int32_t reserved2, int32_t center_x,
@@ -158,13 +156,13 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  *
  * Returns 0 on success. Returns -1 with `output` untouched or a plain copy of the destination when
  * the zoomed object is larger than the destination, when the sizes differ, or when memory runs out.
- * Memory: about 4.5 bytes for every pixel of the zoomed rectangle, 3 more when zoom is not 1, one
- * for every pixel of the object's box, 4 more when angle is not 0, and one for every pixel that the
- * rotated object can reach; working rows, 216 of the rectangle's width with threads and 54 without.
+ * Memory: about 4.5 bytes for every pixel of the zoomed rectangle, 3 more when zoom is not 1, and
+ * one for every pixel of the object's box; working rows, 216 of the rectangle's width with threads
+ * and 54 without. An angle takes no more.
  * Where the output shares memory with the icon or, other than pixel for pixel, with the
  * destination, 6 bytes for every pixel of the rectangle come on top. A call that fails because the
- * zoomed object is too large does not give back the object's mask, nor the rotated object before
- * the next blend without an angle.
+ * zoomed object is too large does not give back the object's mask, nor, with an angle, 4 bytes for
+ * every pixel of the frame before the next blend without an angle.
  */
 IMAGEBLEND_API int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destination,
                                           const blend_image* mask, blend_image* output,

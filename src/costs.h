@@ -29,6 +29,9 @@ enum { PIECE_ROWS = 16 };
 // Turning a pixel takes about twice as long as blending it, copying one a fifth of that.
 enum { TURNED_PIXEL_COST = 2, COPIED_PIXELS_A_COST = 5 };
 
+// A turned row fetches what the row this far below it will read.
+enum { FETCHED_ROWS = 12 };
+
 // Rows of a frame that are copied as one piece of work.
 enum { COPY_ROWS = 64 };
 

@@ -4,8 +4,6 @@
 #include "api/zoom_plane.h"
 #include "blend/blend_region.h"
 #include "blend/rotated_icon.h"
-#include "costs.h"
-#include "frame.h"
 #include "imageblend.h"
 #include "log.h"
 #include "memory.h"
@@ -15,9 +13,8 @@ typedef struct blend_call {
     const blend_image *icon, *destination, *mask, *output;
     object_plan object;
     blend_plan plan;
-    uint8_t* crop;              // the object's box of the mask
-    uint8_t* zoomed_mask;       // the same zoomed; null at zoom 1
-    blend_image* rotated_icon;  // what is read of the turned icon; null without an angle
+    uint8_t* crop;         // the object's box of the mask
+    uint8_t* zoomed_mask;  // the same zoomed; null at zoom 1
 } blend_call;
 
 static void log_frame_sizes(const blend_call* call) {
@@ -47,7 +44,7 @@ static bool crop_object(blend_call* call) {
         mask->frame_width >= 1 && mask->frame_height >= 1 && box.width >= 1 && box.height >= 1;
     const int64_t bytes = has_pixels ? (int64_t)box.width * box.height : 0;
     call->crop = (uint8_t*)alloc_plane(bytes, 1, 1);
-    if (call->crop != NULL) copy_mask_box(mask, &box, call->crop, (size_t)bytes);
+    if (call->crop != NULL) copy_object_mask(&call->object, &box, call->crop, (size_t)bytes);
     return call->crop != NULL;
 }
 
@@ -57,11 +54,9 @@ static bool prepare_object(blend_call* call, float angle) {
     measure_object(call->mask->data, call->mask->width, call->mask->height, object);
     log_mask_box(&object->upright);
     log_crop_size(&object->upright);
-    bool done = turn_object(angle, object);
-    if (done && object->turned) log_mask_box(&object->box);
-    done = done && crop_object(call);
-    free_object(object);
-    return done;
+    turn_object(angle, object);
+    if (object->turned) log_mask_box(&object->box);
+    return crop_object(call);
 }
 
 // The mask of the zoomed box: the crop itself at zoom 1, else resized; null without memory.
@@ -78,37 +73,24 @@ static const uint8_t* zoom_mask(blend_call* call) {
     return call->zoomed_mask;
 }
 
-static int32_t blend_upright(blend_call* call) {
+static int32_t blend_object(blend_call* call) {
     const uint8_t* mask = zoom_mask(call);
     if (mask == NULL) return -1;
-    return blend_region(call->icon, call->destination, mask, call->output, &call->plan.box, NULL);
+    const rotation* turn = call->object.turned ? &call->object.turn : NULL;
+    return blend_region(call->icon, call->destination, mask, call->output, &call->plan.box, turn);
 }
 
-// Blends a turned object, whose colours are turned as a part of the blend.
-static int32_t blend_turned(blend_call* call) {
-    const uint8_t* mask = zoom_mask(call);
-    if (mask == NULL) return -1;
-    const blend_image* icon = call->rotated_icon;
-    colour_rotation colours = {call->object.turn, call->icon->data, call->plan.source, icon->data};
-    const row_work rotation_work = {rotate_colours, &colours, icon->height,
-                                    TURNED_PIXEL_COST * (int64_t)icon->width * icon->height};
-    const row_work* fill = &rotation_work;
-    if (frame_overlaps(call->icon, call->output->data, frame_bytes(call->destination))) {
-        // The output is written while the blend runs, so the icon must have been read before.
-        do_rows(fill);
-        fill = NULL;
+// A turned icon is put into the place of one that an earlier call has left. Only a call whose
+// object is too large leaves one itself; false without memory for it.
+static bool replace_rotated_icon(const blend_call* call) {
+    const blend_image* frame = call->icon;
+    blend_image* icon = NULL;
+    if (!call->plan.fits) {
+        icon = alloc_rotated_icon((int32_t)max_i64(frame->width, 0),
+                                  (int32_t)max_i64(frame->height, 0));
+        if (icon == NULL) return false;
     }
-    return blend_region(icon, call->destination, mask, call->output, &call->plan.box, fill);
-}
-
-// The window of the turned icon that the blend reads; its pixels are filled beside the blend.
-static bool open_rotated_icon(blend_call* call) {
-    if (!call->object.turned) return true;
-    const pixel_window* w = &call->plan.source;
-    call->rotated_icon = alloc_rotated_icon((int32_t)max_i64((int64_t)w->x_end - w->x_begin, 0),
-                                            (int32_t)max_i64((int64_t)w->y_end - w->y_begin, 0));
-    if (call->rotated_icon == NULL) return false;
-    leave_rotated_icon(NULL);
+    leave_rotated_icon(icon);
     return true;
 }
 
@@ -116,22 +98,19 @@ static int32_t run_blend(blend_call* call, const placement* place, float angle) 
     if (!prepare_object(call, angle)) return -1;
     const blend_plan* plan = &call->plan;
     call->plan = plan_blend(&call->object, place, call->destination);
-    if (!open_rotated_icon(call)) return -1;
+    if (call->object.turned && !replace_rotated_icon(call)) return -1;
     LOG_LINE(LOG_ERROR, "LLF double check cropsize[%d,%d],maxsize[%d,%d]\n", plan->box.zoom_width,
              plan->box.zoom_height, call->destination->width, call->destination->height);
     if (!plan->fits) {
         LOG_LINE(LOG_ERROR, "LLF double check,Zoom factor is too big, return to zoom = 1\n");
-        // The crop and the rotated icon are kept.
-        if (call->rotated_icon != NULL) leave_rotated_icon(call->rotated_icon);
-        call->rotated_icon = NULL;
-        call->crop = NULL;
+        call->crop = NULL;  // it is kept
         return -1;
     }
     int32_t status = -1;
     if (!same_size(call->destination, call->mask)) {
         log_frame_sizes(call);
     } else {
-        status = call->object.turned ? blend_turned(call) : blend_upright(call);
+        status = blend_object(call);
     }
     free_rotated_icon();
     return status;
@@ -160,7 +139,6 @@ int32_t vorn_imageBlending(const blend_image* icon, const blend_image* destinati
         return -1;
     }
     const int32_t status = run_blend(&call, &place, angle);
-    free_icon(call.rotated_icon);
     free(call.zoomed_mask);
     free(call.crop);
     if (status == 0) LOG_LINE(LOG_DEBUG, " LLF time_cost_end");

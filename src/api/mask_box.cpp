@@ -67,11 +67,11 @@ void crop_mask(const mask_view* mask, bool margins, uint8_t* crop, size_t crop_b
     copy_mask_box(mask, &part, crop, crop_bytes);
 }
 
-void crop_rotated_mask(const mask_view* mask, const mask_box* upright, int32_t center_x,
-                       int32_t center_y, mask_box* box) {
-    const mask_extent extent = scan_mask(mask);
-    *box = box_around(&extent, mask, true, true);
-    if (box->x0 == upright->x0 && box->y0 == upright->y0) return;
-    box->x0 = saturate_i32((int64_t)center_x - box->crop_mask_width / 2);
-    box->y0 = saturate_i32((int64_t)center_y - box->crop_mask_height / 2);
+mask_box box_around_turned(const mask_extent* extent, const mask_view* mask,
+                           const mask_box* upright, int32_t center_x, int32_t center_y) {
+    mask_box box = box_around(extent, mask, true, true);
+    if (box.x0 == upright->x0 && box.y0 == upright->y0) return box;
+    box.x0 = saturate_i32((int64_t)center_x - box.crop_mask_width / 2);
+    box.y0 = saturate_i32((int64_t)center_y - box.crop_mask_height / 2);
+    return box;
 }

@@ -22,8 +22,8 @@ typedef struct mask_box {
     int32_t seams;                              // sides at which the frame cut the margin short
 } mask_box;
 
-// The box around an extent of a mask. `clamp` caps the level at 4; without `margins` the box is
-// left bare.
+// The box around an extent in the frame of a mask. `clamp` caps the level at 4; without `margins`
+// the box is left bare.
 mask_box box_around(const mask_extent* extent, const mask_view* mask, bool clamp, bool margins);
 
 // One error line for a box that does not fit its frame, or one line for each seam. Returns -1, 2
@@ -41,9 +41,9 @@ void log_crop_size(const mask_box* box);
 void crop_mask(const mask_view* mask, bool margins, uint8_t* crop, size_t crop_bytes,
                mask_box* box);
 
-// Finds the box of a mask that was turned about (center_x, center_y), its level capped, without the
-// log. Unless its corner is that of the box before, it is moved so that it is centred there.
-void crop_rotated_mask(const mask_view* mask, const mask_box* upright, int32_t center_x,
-                       int32_t center_y, mask_box* box);
+// The box around the extent of a mask that was turned about (center_x, center_y), its level capped.
+// Unless its corner is that of the box before, it is moved so that it is centred there.
+mask_box box_around_turned(const mask_extent* extent, const mask_view* mask,
+                           const mask_box* upright, int32_t center_x, int32_t center_y);
 
 #endif

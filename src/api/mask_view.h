@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A mask as the scans and copies see it: samples inside a window of a frame, zero everywhere else.
+// A mask as the scans and copies see it: one sample of each pixel of a frame.
 #ifndef IMAGEBLEND_API_MASK_VIEW_H
 #define IMAGEBLEND_API_MASK_VIEW_H
 
@@ -12,17 +12,13 @@ typedef struct pixel_window {
     int32_t x_begin, y_begin, x_end, y_end;
 } pixel_window;
 
-// `samples` is the sample at the window's corner; a row of the window starts `row_samples` samples
-// after the one above, each `step` bytes wide.
+// `samples` is the first pixel's; each pixel has `step` bytes.
 typedef struct mask_view {
     const uint8_t* samples;
-    pixel_window window;
-    int64_t row_samples;
     int32_t step;
     int32_t frame_width, frame_height;
 } mask_view;
 
-// The whole of a packed mask.
 mask_view view_of_mask(const uint8_t* samples, int32_t width, int32_t height,
                        const pixel_layout* layout);
 
@@ -35,7 +31,8 @@ typedef struct mask_extent {
 
 mask_extent scan_mask(const mask_view* mask);
 
-// Copies a box into packed rows. Rows that do not fit into `crop_bytes` are left out.
+// Copies a box into packed rows, samples outside the frame as 0. Rows that do not fit into
+// `crop_bytes` are left out.
 void copy_mask_box(const mask_view* mask, const pixel_box* box, uint8_t* crop, size_t crop_bytes);
 
 #endif

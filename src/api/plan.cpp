@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "api/plan.h"
 
-#include <stdlib.h>
-
 #include "blend/depth.h"
 
 void measure_object(const uint8_t* samples, int32_t width, int32_t height, object_plan* object) {
@@ -16,24 +14,26 @@ void measure_object(const uint8_t* samples, int32_t width, int32_t height, objec
     object->center_y = saturate_i32((int64_t)box->y0 + box->crop_mask_height / 2);
 }
 
-bool turn_object(float angle, object_plan* object) {
-    if (angle == 0.0f) return true;
+static turned_mask turned_mask_of(const object_plan* object) {
+    return {object->turn, object->mask.samples, object->upright.extent};
+}
+
+void turn_object(float angle, object_plan* object) {
+    if (angle == 0.0f) return;
     object->turned = true;
     object->turn = make_rotation(angle, object->center_x, object->center_y,
                                  object->mask.frame_width, object->mask.frame_height);
-    mask_view turned;
-    object->samples =
-        make_rotated_mask(&object->turn, object->mask.samples, &object->upright.extent, &turned);
-    if (object->samples == NULL) return false;
-    object->mask = turned;
-    crop_rotated_mask(&object->mask, &object->upright, object->center_x, object->center_y,
-                      &object->box);
-    return true;
+    const turned_mask turned = turned_mask_of(object);
+    const mask_extent extent = scan_turned_mask(&turned);
+    object->box = box_around_turned(&extent, &object->mask, &object->upright, object->center_x,
+                                    object->center_y);
 }
 
-void free_object(object_plan* object) {
-    free(object->samples);
-    object->samples = NULL;
+void copy_object_mask(const object_plan* object, const pixel_box* box, uint8_t* crop,
+                      size_t crop_bytes) {
+    if (!object->turned) return copy_mask_box(&object->mask, box, crop, crop_bytes);
+    const turned_mask turned = turned_mask_of(object);
+    copy_turned_box(&turned, box, crop, crop_bytes);
 }
 
 // Where along one axis the bare box, scaled by `zoom`, starts when it is centred on `center`.
@@ -89,20 +89,6 @@ placement_check check_placement(const object_plan* object, const placement* plac
     return check;
 }
 
-// The pixels of the turned icon that a blend reads: the box around the centre, moved inside at the
-// left and top. A box that leaves the frame goes on at the start of the next row, so then it is all
-// of the frame.
-static pixel_window turned_window(const object_plan* object) {
-    const mask_box* box = &object->box;
-    const pixel_window frame = {0, 0, object->mask.frame_width, object->mask.frame_height};
-    const int64_t left = max_i64((int64_t)object->center_x - box->crop_mask_width / 2, 0);
-    const int64_t top = max_i64((int64_t)object->center_y - box->crop_mask_height / 2, 0);
-    const int64_t right = left + max_i64(box->crop_mask_width, 0);
-    const int64_t bottom = top + max_i64(box->crop_mask_height, 0);
-    const pixel_window window = {(int32_t)left, (int32_t)top, (int32_t)right, (int32_t)bottom};
-    return right > frame.x_end || bottom > frame.y_end ? frame : window;
-}
-
 blend_plan plan_blend(const object_plan* object, const placement* place,
                       const blend_image* destination) {
     const mask_box* from = &object->box;
@@ -110,16 +96,14 @@ blend_plan plan_blend(const object_plan* object, const placement* place,
     blend_box* box = &plan.box;
     box->zoom_width = zoomed_side(from->crop_mask_width, place->zoom);
     box->zoom_height = zoomed_side(from->crop_mask_height, place->zoom);
-    plan.source = {0, 0, object->mask.frame_width, object->mask.frame_height};
-    if (object->turned) plan.source = turned_window(object);
     plan.fits = box->zoom_width <= destination->width && box->zoom_height <= destination->height;
     if (!plan.fits) return plan;
     box->x = zoomed_corner(place->center_x, from->bare_width, place->zoom);
     box->y = zoomed_corner(place->center_y, from->bare_height, place->zoom);
     box->crop_width = from->crop_mask_width;
     box->crop_height = from->crop_mask_height;
-    box->center_x = object->center_x - plan.source.x_begin;
-    box->center_y = object->center_y - plan.source.y_begin;
+    box->center_x = object->center_x;
+    box->center_y = object->center_y;
     box->levels =
         (int32_t)margin_level(box->crop_width, box->crop_height, BASE_LEVEL, true, place->zoom);
     box->margin_levels = from->level;

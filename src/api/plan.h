@@ -16,23 +16,24 @@ typedef struct placement {
 
 // The object in the mask of a frame, as large as the destination.
 typedef struct object_plan {
-    mask_view mask;              // what is blended: the mask, or what it is when turned
+    mask_view mask;              // as it is given
     mask_box upright;            // of the mask as it is given, with margins
-    mask_box box;                // of `mask`, with margins; may be centred anew, beyond the frame
+    mask_box box;                // of what is blended, the mask or what it is when turned, with
+                                 // margins; may be centred anew, beyond the frame
     int32_t center_x, center_y;  // of the upright box, which the object is turned about
     bool turned;                 // by an angle that is not exactly 0
     rotation turn;               // what it is turned by
-    uint8_t* samples;            // of the turned mask, or null
 } object_plan;
 
 // Measures the object as it lies in its mask, whose samples must outlive the plan.
 void measure_object(const uint8_t* samples, int32_t width, int32_t height, object_plan* object);
 
 // Turns a measured object by an angle in degrees, about the centre of its box; 0 leaves it alone.
-// False without memory for the turned mask. free_object frees that in either case; only the samples
-// of the mask are gone then.
-bool turn_object(float angle, object_plan* object);
-void free_object(object_plan* object);
+void turn_object(float angle, object_plan* object);
+
+// Copies a box of the mask, or of what it is when turned, into packed rows, as copy_mask_box does.
+void copy_object_mask(const object_plan* object, const pixel_box* box, uint8_t* crop,
+                      size_t crop_bytes);
 
 // The answer of vorn_verify_icon_pos in full. A turned object's level is not capped here, so that
 // the box of one whose shorter side is 512 and more is larger than in a blend.
@@ -52,10 +53,8 @@ placement_check check_placement(const object_plan* object, const placement* plac
 
 // What vorn_imageBlending does.
 typedef struct blend_plan {
-    pixel_window source;  // of the frame of the turned icon, what is read of it; of an upright icon
-                          // all. The box has its source coordinates from this window's corner.
-    bool fits;            // false where the zoomed box is larger than the destination; of the box
-                          // only the zoomed size is set then
+    bool fits;  // false where the zoomed box is larger than the destination; of the box only the
+                // zoomed size is set then
     blend_box box;
 } blend_plan;
 

@@ -4,7 +4,9 @@
 #include <math.h>
 #include <string.h>
 
-#include "memory.h"
+#include "api/mask_scan.h"
+#include "kernels/set_bytes.h"
+#include "numeric.h"
 
 rotation make_rotation(float angle, int32_t center_x, int32_t center_y, int32_t width,
                        int32_t height) {
@@ -53,140 +55,71 @@ static pixel_window rotated_reach(const rotation* turn, const mask_extent* exten
     return reach;
 }
 
-// One output row: where the mapping starts. Along it both source coordinates only rise or only
-// fall, since every step of the mapping, rounding included, keeps the order.
-typedef struct source_row {
-    float base, slope;  // coordinate = trunc(base + slope * (x - center))
-    float center;
-} source_row;
-
-static int32_t source_at(const source_row* row, int32_t x) {
-    return float_to_i32(row->base + row->slope * ((float)x - row->center));
+static source_area object_area(const turned_mask* mask) {
+    const mask_extent* object = &mask->object;
+    return {saturate_i32(object->xmin), saturate_i32(object->ymin), saturate_i32(object->xmax + 1),
+            saturate_i32(object->ymax + 1)};
 }
 
-static source_row source_columns(const rotation* turn, int32_t y) {
-    const float fx = (float)turn->center_x, dy = (float)y - (float)turn->center_y;
-    const source_row row = {fx + turn->sine * dy, turn->cosine, fx};
-    return row;
+// The columns of [begin, end) in row y that show a part of the object.
+static column_span object_span(const turned_mask* mask, int64_t y, int64_t begin, int64_t end) {
+    const source_area area = object_area(mask);
+    return span_within(&mask->turn, (int32_t)y, {(int32_t)begin, (int32_t)end}, &area);
 }
 
-static source_row source_rows(const rotation* turn, int32_t y) {
-    const float fy = (float)turn->center_y, dy = (float)y - fy;
-    const source_row row = {fy + turn->cosine * dy, -turn->sine, (float)turn->center_x};
-    return row;
-}
+// Pixels of a row that are turned and looked at together.
+enum { CHUNK = 128 };
 
-// The first x of [begin, end) whose coordinate has passed `limit`: is at least it where coordinates
-// rise, below it where they fall; `end` when there is none.
-static int32_t first_past(const source_row* row, int32_t begin, int32_t end, int32_t limit) {
-    const bool falls = row->slope < 0;
-    while (begin < end) {
-        const int32_t middle = begin + (end - begin) / 2;
-        if ((source_at(row, middle) >= limit) != falls) {
-            end = middle;
-        } else {
-            begin = middle + 1;
-        }
+static int64_t first_set_turned(const turned_mask* mask, int64_t y, int64_t begin, int64_t end) {
+    const column_span span = object_span(mask, y, begin, end);
+    uint8_t samples[CHUNK];
+    for (int32_t x = span.begin, count; x < span.end; x += count) {
+        count = (int32_t)min_i64(CHUNK, span.end - x);
+        turn_mask_span(&mask->turn, mask->samples, (int32_t)y, {x, x + count}, samples);
+        const int64_t first = first_set(samples, count, 1);
+        if (first < count) return x + first;
     }
-    return begin;
+    return end;
 }
 
-typedef struct column_span {
-    int32_t begin, end;
-} column_span;
-
-// The part of a span whose coordinates lie in [low, high).
-static column_span within(const source_row* row, column_span span, int32_t low, int32_t high) {
-    const bool falls = row->slope < 0;
-    column_span part;
-    part.begin = first_past(row, span.begin, span.end, falls ? high : low);
-    part.end = first_past(row, part.begin, span.end, falls ? low : high);
-    return part;
-}
-
-enum { CHUNK = 256, BLOCK = 8 };
-
-// The sources along one axis of `count` pixels of a row. What is not a number reads as 0, and
-// nothing inside the frame is out of the type's range.
-static void find_sources(const source_row* row, int32_t x, int32_t count, int32_t* sources) {
-    const float base = row->base, slope = row->slope, center = row->center;
-    if (base != base) {
-        memset(sources, 0, sizeof(int32_t) * (size_t)count);
-        return;
+static int64_t last_set_turned(const turned_mask* mask, int64_t y, int64_t begin, int64_t end) {
+    const column_span span = object_span(mask, y, begin, end);
+    uint8_t samples[CHUNK];
+    for (int32_t x = span.end, count; x > span.begin; x -= count) {
+        count = (int32_t)min_i64(CHUNK, x - span.begin);
+        turn_mask_span(&mask->turn, mask->samples, (int32_t)y, {x - count, x}, samples);
+        const int64_t last = last_set(samples, count, 1);
+        if (last >= 0) return x - count + last;
     }
-    int32_t i = 0;
-    for (; i + BLOCK <= count; i += BLOCK) {
-        int32_t block[BLOCK];  // vectors take loops of a fixed length
-        for (int32_t k = 0; k < BLOCK; k++)
-            block[k] = (int32_t)(base + slope * ((float)(x + i + k) - center));
-        memcpy(sources + i, block, sizeof block);
-    }
-    for (; i < count; i++)
-        sources[i] = (int32_t)(base + slope * ((float)(x + i) - center));
+    return begin - 1;
 }
 
-// Calls pixel(x, source x, source y) for a span of a row, all of whose sources lie inside the
-// frame.
-template <class Pixel>
-static inline void map_span(const source_row* columns, const source_row* rows, column_span span,
-                            Pixel pixel) {
-    int32_t sx[CHUNK], sy[CHUNK];
-    for (int32_t x = span.begin; x < span.end; x += CHUNK) {
-        const int32_t count = (int32_t)min_i64(CHUNK, span.end - x);
-        find_sources(columns, x, count, sx);
-        find_sources(rows, x, count, sy);
-        for (int32_t i = 0; i < count; i++)
-            pixel(x + i, sx[i], sy[i]);
-    }
+mask_extent scan_turned_mask(const turned_mask* mask) {
+    const auto first = [=](int64_t y, int64_t begin, int64_t end) {
+        return first_set_turned(mask, y, begin, end);
+    };
+    const auto last = [=](int64_t y, int64_t begin, int64_t end) {
+        return last_set_turned(mask, y, begin, end);
+    };
+    const pixel_window reach = rotated_reach(&mask->turn, &mask->object);
+    return scan_window(mask->turn.width, mask->turn.height, reach, first, last);
 }
 
-// A row of the rotated mask; only sources within the object's extent can be set.
-static void rotate_mask_row(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
-                            column_span reach, int32_t y, uint8_t* out) {
-    const source_row columns = source_columns(turn, y), rows = source_rows(turn, y);
-    column_span span = within(&columns, reach, (int32_t)extent->xmin, (int32_t)extent->xmax + 1);
-    span = within(&rows, span, (int32_t)extent->ymin, (int32_t)extent->ymax + 1);
-    const size_t width = (size_t)turn->width;
-    memset(out, 0, (size_t)(reach.end - reach.begin));
-    map_span(&columns, &rows, span, [=](int32_t x, int32_t sx, int32_t sy) {
-        out[x - reach.begin] = mask[(size_t)sy * width + (size_t)sx];
-    });
-}
-
-uint8_t* make_rotated_mask(const rotation* turn, const uint8_t* mask, const mask_extent* extent,
-                           mask_view* rotated) {
-    const pixel_window reach = rotated_reach(turn, extent);
-    const int64_t columns = max_i64((int64_t)reach.x_end - reach.x_begin, 0);
-    const int64_t rows = max_i64((int64_t)reach.y_end - reach.y_begin, 0);
-    uint8_t* samples = (uint8_t*)alloc_plane(columns, rows, 1);
-    if (samples == NULL) return NULL;
-    *rotated = {samples, reach, columns, 1, turn->width, turn->height};
-    const column_span span = {reach.x_begin, reach.x_end};
-    for (int64_t r = 0; r < rows && columns > 0; r++) {
-        rotate_mask_row(turn, mask, extent, span, reach.y_begin + (int32_t)r,
-                        samples + r * columns);
-    }
-    return samples;
-}
-
-void rotate_colours(void* arg, int32_t, int32_t begin, int32_t end) {
-    const colour_rotation* work = (const colour_rotation*)arg;
-    const rotation* turn = &work->turn;
-    const column_span window = {work->window.x_begin, work->window.x_end};
-    const size_t row_bytes = 4 * (size_t)(window.end - window.begin);
-    const size_t width = (size_t)turn->width;
-    const uint8_t* frame = work->frame;
-    for (int32_t r = begin; r < end; r++) {
-        uint8_t* out = work->rotated + (size_t)r * row_bytes;
-        const source_row columns = source_columns(turn, work->window.y_begin + r);
-        const source_row rows = source_rows(turn, work->window.y_begin + r);
-        column_span span = within(&columns, window, 0, turn->width);
-        span = within(&rows, span, 0, turn->height);
-        memset(out, 0, 4 * (size_t)(span.begin - window.begin));
-        map_span(&columns, &rows, span, [=](int32_t x, int32_t sx, int32_t sy) {
-            memcpy(out + 4 * (ptrdiff_t)(x - window.begin),
-                   frame + 4 * ((size_t)sy * width + (size_t)sx), 4);
-        });
-        memset(out + 4 * (size_t)(span.end - window.begin), 0, 4 * (size_t)(window.end - span.end));
+void copy_turned_box(const turned_mask* mask, const pixel_box* box, uint8_t* crop,
+                     size_t crop_bytes) {
+    if (box->width < 1 || box->height < 1) return;
+    const int64_t begin = clamp_i64(box->x, 0, max_i64(mask->turn.width, 0));
+    const int64_t end =
+        clamp_i64((int64_t)box->x + box->width, begin, max_i64(mask->turn.width, begin));
+    const size_t row_bytes = (size_t)box->width;
+    for (size_t r = 0; r < (size_t)box->height && (r + 1) * row_bytes <= crop_bytes; r++) {
+        uint8_t* out = crop + r * row_bytes;
+        const int64_t y = (int64_t)box->y + (int64_t)r;
+        memset(out, 0, row_bytes);
+        if (y < 0 || y >= mask->turn.height) continue;
+        const column_span span = object_span(mask, y, begin, end);
+        if (span.begin < span.end)
+            turn_mask_span(&mask->turn, mask->samples, (int32_t)y, span,
+                           out + (span.begin - box->x));
     }
 }

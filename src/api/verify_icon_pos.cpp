@@ -43,9 +43,7 @@ int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t width, int32_t he
         LOG_LINE(LOG_ERROR, "fital error!size too big\n");
         return -1;
     }
-    const bool turned = turn_object(angle, &object);
-    free_object(&object);
-    if (!turned) return -1;
+    turn_object(angle, &object);
     const placement place = {center_x, center_y, zoom};
     const placement_check check = check_placement(&object, &place);
     if (object.turned) log_mask_box(&check.box);

@@ -59,19 +59,20 @@ static bool can_stream(const blend_image* src, const blend_image* dst, const ble
 // The source of a blend and what must be done before it can be read.
 typedef struct blend_source {
     patch rectangle;
-    const row_work* prepare[2];
+    const row_work* prepare;  // null where there is nothing
+    int64_t turned_pixels;
     rectangle_resize resize;  // where there is a zoom
     row_work resize_work;
 } blend_source;
 
-static bool open_source(const blend_image* src, const row_work* fill, const blend_box* box,
+static bool open_source(const blend_image* src, const rotation* turn, const blend_box* box,
                         blend_source* source) {
     *source = blend_source();
-    source->prepare[0] = fill;
-    source->rectangle = frame_patch(src, box->zoom_left, box->zoom_top);
+    source->rectangle = frame_patch(src, turn, box->zoom_left, box->zoom_top);
+    if (turn != NULL) source->turned_pixels = (int64_t)box->crop_width * box->crop_height;
     if (box->zoom == 1.0f) return true;
     rectangle_resize* resize = &source->resize;
-    resize->from = frame_patch(src, box->crop_left, box->crop_top);
+    resize->from = frame_patch(src, turn, box->crop_left, box->crop_top);
     resize->src_width = box->crop_width;
     resize->src_height = box->crop_height;
     resize->dst_width = box->zoom_width;
@@ -80,7 +81,7 @@ static bool open_source(const blend_image* src, const row_work* fill, const blen
     if (!open_resize(resize) || resize->dst == NULL) return false;
     source->resize_work = {resize_part, resize, box->zoom_height,
                            (int64_t)box->zoom_width * box->zoom_height};
-    source->prepare[1] = &source->resize_work;
+    source->prepare = &source->resize_work;
     source->rectangle = packed_patch(resize->dst, box->zoom_width, box->zoom_height);
     return true;
 }
@@ -105,7 +106,7 @@ static int32_t blend_streamed(const blend_source* src, const patch* dst, const u
     const int32_t pieces = copy_pieces(copy);
     const int64_t cost = (int64_t)pieces * COPY_ROWS * copy->from->width / COPIED_PIXELS_A_COST;
     const side_work beside = {copy_piece, copy, pieces, cost};
-    const blend_extras extras = {{src->prepare[0], src->prepare[1]}, &beside};
+    const blend_extras extras = {src->prepare, &beside, src->turned_pixels};
     return pyramid_blend(&src->rectangle, dst, mask, &result, ws, &extras);
 }
 
@@ -121,8 +122,7 @@ static uint8_t* cut_patch(const patch* from, int32_t width, int32_t height) {
 static int32_t blend_copies(const blend_source* src, const patch* dst, const uint8_t* mask,
                             const frame_copy* copy, blend_workspace* ws) {
     const int32_t width = (int32_t)ws->width, height = (int32_t)ws->height;
-    do_rows(src->prepare[0]);
-    do_rows(src->prepare[1]);
+    do_rows(src->prepare);
     uint8_t* src_patch = src->rectangle.packed ? NULL : cut_patch(&src->rectangle, width, height);
     uint8_t* dst_patch = cut_patch(dst, width, height);
     int32_t status = -1;
@@ -141,7 +141,7 @@ static int32_t blend_copies(const blend_source* src, const patch* dst, const uin
 }
 
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
-                     const blend_image* out, const blend_box* box, const row_work* fill) {
+                     const blend_image* out, const blend_box* box, const rotation* turn) {
     frame_copy copy = {dst, out, 0, 0, 0, 0};
     if (box->crop_width < 1 || box->crop_height < 1 || box->zoom_width < 1 ||
         box->zoom_height < 1) {
@@ -149,11 +149,11 @@ int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8
         free_rotated_icon();
         return 0;
     }
-    const patch rectangle = frame_patch(dst, box->left, box->top);
+    const patch rectangle = frame_patch(dst, NULL, box->left, box->top);
     blend_source source;
     blend_workspace* ws = NULL;
     int32_t status = -1;
-    if (open_source(src, fill, box, &source)) {
+    if (open_source(src, turn, box, &source)) {
         ws = alloc_blend_workspace(box->zoom_width, box->zoom_height,
                                    box->levels > 0 ? (uint32_t)box->levels : 0);
     }

@@ -4,7 +4,7 @@
 #define IMAGEBLEND_BLEND_BLEND_REGION_H
 
 #include "blend/blend_box.h"
-#include "blend/side_work.h"
+#include "blend/turned_frame.h"
 
 // Blends the object's box of `src` into `dst` and writes the whole picture to `out`.
 //
@@ -12,11 +12,11 @@
 //   mask      zoom_width x zoom_height bytes
 //   out       a frame of the same size; only `data` is used, which may share bytes with src or dst
 //   box       filled by place_blend_box
-//   fill      fills the rows of `src` before they are read, or null when they are there
+//   turn      what `src` is turned by before the box is cut from it, or null
 //
 // A box of no size leaves a copy of `dst`. At its end the call frees the rotated icon, if there is
 // one. Returns 0, or -1 with `out` untouched when memory runs out.
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
-                     const blend_image* out, const blend_box* box, const row_work* fill);
+                     const blend_image* out, const blend_box* box, const rotation* turn);
 
 #endif

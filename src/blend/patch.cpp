@@ -6,12 +6,12 @@
 #include "blend/rectangle.h"
 
 patch packed_patch(const uint8_t* pixels, int32_t width, int32_t height) {
-    const patch packed = {{width, height, (uint8_t*)(uintptr_t)pixels}, 0, 0, true};
+    const patch packed = {{width, height, (uint8_t*)(uintptr_t)pixels}, 0, 0, true, NULL};
     return packed;
 }
 
-patch frame_patch(const blend_image* frame, int32_t x, int32_t y) {
-    const patch cut = {*frame, x, y, false};
+patch frame_patch(const blend_image* frame, const rotation* turn, int32_t x, int32_t y) {
+    const patch cut = {*frame, x, y, false, turn};
     return cut;
 }
 
@@ -23,7 +23,11 @@ const uint8_t* read_rows(const patch* from, int32_t row, int32_t rows, int32_t w
                          uint8_t* buffer) {
     if (from->packed) return packed_row(from, row);
     const pixel_box box = {from->x, from->y + row, width, rows};
-    crop_to_rgb(&from->frame, &box, buffer);
+    if (from->turn != NULL) {
+        crop_turned_to_rgb(&from->frame, from->turn, &box, buffer);
+    } else {
+        crop_to_rgb(&from->frame, &box, buffer);
+    }
     return buffer;
 }
 

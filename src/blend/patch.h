@@ -1,21 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 // What a level's rows are read from and written to: a packed patch, or a rectangle of a frame that
-// is packed row by row where it is needed.
+// is packed, and turned, row by row where it is needed.
 #ifndef IMAGEBLEND_BLEND_PATCH_H
 #define IMAGEBLEND_BLEND_PATCH_H
 
-#include "imageblend.h"
+#include "blend/turned_frame.h"
 
 typedef struct patch {
     blend_image
         frame;     // of 4-byte pixels; where packed, of 3-byte pixels and nothing but the patch
     int32_t x, y;  // where the patch starts in its frame, which it may reach beyond
     bool packed;
+    const rotation* turn;  // what the frame is turned by before it is cut; null where it is not
 } patch;
 
 // Of pixels that are written only where the patch is a result.
 patch packed_patch(const uint8_t* pixels, int32_t width, int32_t height);
-patch frame_patch(const blend_image* frame, int32_t x, int32_t y);
+patch frame_patch(const blend_image* frame, const rotation* turn, int32_t x, int32_t y);
 
 // `rows` packed rows of `width` pixels from row `row` on: within a packed patch, or cut from the
 // frame into `buffer`, which holds rows * width * 3 bytes.

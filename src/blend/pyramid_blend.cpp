@@ -21,10 +21,8 @@ typedef struct pyramid {
 
 // All work of the call, in pixels of a blend.
 static int64_t work_pixels(const blend_workspace* ws, const blend_extras* extras) {
-    int64_t pixels = (int64_t)ws->width * ws->height;
-    for (const row_work* work : extras->prepare) {
-        if (work != NULL) pixels += work->pixels;
-    }
+    int64_t pixels = (int64_t)ws->width * ws->height + TURNED_PIXEL_COST * extras->turned_pixels;
+    if (extras->prepare != NULL) pixels += extras->prepare->pixels;
     return extras->beside != NULL ? pixels + extras->beside->pixels : pixels;
 }
 
@@ -153,9 +151,7 @@ static void merge_top(void* arg, int32_t worker, int32_t begin, int32_t end) {
 }
 
 static void run_stages(pyramid* p, const blend_extras* extras) {
-    for (const row_work* work : extras->prepare) {
-        if (work != NULL) run_rows(p, work);
-    }
+    if (extras->prepare != NULL) run_rows(p, extras->prepare);
     for (int32_t l = 0; l < p->top; l++)
         run_step(p, l, band_bundle_down);
     // With a single level the first stage writes the result already.
@@ -179,7 +175,7 @@ static void open_workers(pyramid* p, int64_t pixels) {
 
 int32_t pyramid_blend(const patch* src, const patch* dst, const uint8_t* mask, const patch* result,
                       blend_workspace* ws, const blend_extras* extras) {
-    static const blend_extras none = {{NULL, NULL}, NULL};
+    static const blend_extras none = {NULL, NULL, 0};
     if (extras == NULL) extras = &none;
     pyramid p;
     place_levels(ws, &p);

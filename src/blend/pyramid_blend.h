@@ -9,8 +9,9 @@
 
 // Work besides the blend itself.
 typedef struct blend_extras {
-    const row_work* prepare[2];  // fills the source, one after the other; null where there is none
-    const side_work* beside;     // null where there is none
+    const row_work* prepare;  // fills the source; null where there is nothing to fill
+    const side_work* beside;  // null where there is none
+    int64_t turned_pixels;    // of a source that is turned where it is read
 } blend_extras;
 
 // Blends `src` over `dst` under `mask` into `result`, rectangles of ws->width x ws->height pixels;

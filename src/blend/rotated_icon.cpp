@@ -14,7 +14,7 @@ blend_image* alloc_rotated_icon(int32_t width, int32_t height) {
     return NULL;
 }
 
-void free_icon(blend_image* icon) {
+static void free_icon(blend_image* icon) {
     if (icon == NULL) return;
     free(icon->data);
     free(icon);

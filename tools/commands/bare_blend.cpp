@@ -31,11 +31,7 @@ int32_t centre_for(double place, int margin, int64_t before, int64_t behind, boo
 
 BarePlan::BarePlan(const Frame& mask, const Point& at, double zoom, float angle) {
     measure_object(mask.bytes.get(), mask.size.width, mask.size.height, &object);
-    if (!turn_object(angle, &object)) {
-        free_object(&object);
-        throw Error(Exit::internal,
-                    "not enough memory to check a placement in a frame of " + text(mask.size));
-    }
+    turn_object(angle, &object);
     const auto scale = static_cast<float>(zoom);
     const placement asked = {to_i32(std::round(at.x)), to_i32(std::round(at.y)), scale};
     check = check_placement(&object, &asked);

@@ -20,9 +20,6 @@ struct BarePlan {
     blend_plan blend{};
 
     BarePlan(const Frame& mask, const Point& at, double zoom, float angle);
-    ~BarePlan() { free_object(&object); }
-    BarePlan(const BarePlan&) = delete;
-    BarePlan& operator=(const BarePlan&) = delete;
 };
 
 // Everything that is known before the blend.

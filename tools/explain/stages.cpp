@@ -50,26 +50,25 @@ struct Plan {
 
     explicit Plan(const BlendCall& call) {
         measure_object(call.mask.data, call.mask.width, call.mask.height, &object);
-        if (!turn_object(call.angle, &object)) check(-1);
+        turn_object(call.angle, &object);
         const placement place = {call.center_x, call.center_y, call.zoom};
         blend = plan_blend(&object, &place, &call.destination);
     }
-    ~Plan() { free_object(&object); }
-    Plan(const Plan&) = delete;
-    Plan& operator=(const Plan&) = delete;
 };
 
-Plane mask_part(const mask_view& mask, const pixel_box& box) {
+Plane mask_part(const object_plan& object, const pixel_box& box) {
     Plane plane = make_plane(box.width, box.height, 1);
-    copy_mask_box(&mask, &box, plane.bytes.data(), plane.bytes.size());
+    copy_object_mask(&object, &box, plane.bytes.data(), plane.bytes.size());
     return plane;
 }
 
 Plane turned_colours(const BlendCall& call, const rotation& turn) {
-    Plane colours = make_plane(call.icon.width, call.icon.height, 4);
-    colour_rotation work = {
-        turn, call.icon.data, {0, 0, call.icon.width, call.icon.height}, colours.bytes.data()};
-    rotate_colours(&work, 0, 0, call.icon.height);
+    const pixel_box all = {0, 0, call.icon.width, call.icon.height};
+    Plane packed = make_plane(all.width, all.height, 3);
+    crop_turned_to_rgb(&call.icon, &turn, &all, packed.bytes.data());
+    Plane colours = make_plane(all.width, all.height, 4);
+    const blend_image to = record_of(colours);
+    write_region_argb(&to, &all, packed.bytes.data());
     return colours;
 }
 
@@ -87,23 +86,19 @@ Plane cut_colours(const Plane& frame, const Rectangle& box) {
 }
 
 Rectangle source_box(const blend_plan& plan) {
-    return {plan.source.x_begin + plan.box.crop_left, plan.source.y_begin + plan.box.crop_top,
-            plan.box.crop_width, plan.box.crop_height};
+    return {plan.box.crop_left, plan.box.crop_top, plan.box.crop_width, plan.box.crop_height};
 }
 
 // The mask and the source rectangle at the zoomed size.
 void cut_inputs(const Plane& frame, const Plan& plan, Level& finest) {
     const blend_box& box = plan.blend.box;
-    const pixel_window& source = plan.blend.source;
     const mask_box& from = plan.object.box;
     const int width = box.zoom_width;
     const int height = box.zoom_height;
-    const Plane mask =
-        mask_part(plan.object.mask, {from.x0, from.y0, box.crop_width, box.crop_height});
+    const Plane mask = mask_part(plan.object, {from.x0, from.y0, box.crop_width, box.crop_height});
     if (box.zoom == 1.0F) {
         finest.mask = mask;
-        finest.source = cut_colours(
-            frame, {source.x_begin + box.zoom_left, source.y_begin + box.zoom_top, width, height});
+        finest.source = cut_colours(frame, {box.zoom_left, box.zoom_top, width, height});
         return;
     }
     finest.mask = make_plane(width, height, 1);
@@ -242,7 +237,7 @@ BlendStages compute_stages(const BlendCall& call) {
     const int32_t frame_height = call.mask.height;
     stages.source =
         plan.object.turned ? turned_colours(call, plan.object.turn) : plane_of(call.icon, 4);
-    stages.source_mask = mask_part(plan.object.mask, {0, 0, frame_width, frame_height});
+    stages.source_mask = mask_part(plan.object, {0, 0, frame_width, frame_height});
     stages.object = object_box(plan.object.box);
     stages.margin = plan.object.box.margin;
     stages.box = source_box(plan.blend);
