@@ -166,7 +166,7 @@ static void make_row(const band_bundle* bundle, int32_t row, merge_row* merge,
     const pyramid_level* fine = bundle->fine;
     const int32_t width = fine->width;
     inputs->mask = fine->mask + (size_t)row * (size_t)width;
-    inputs->src = read_rows(&fine->src, row, 1, width, scratch->cut_src);
+    inputs->src = read_masked_row(&fine->src, row, width, inputs->mask, scratch->cut_src);
     inputs->under = read_rows(&fine->dst, row, 1, width, scratch->cut_dst);
     uint8_t* out = result_rows(&fine->result, row, scratch->out);
     merge(inputs, out, (size_t)width);

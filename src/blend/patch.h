@@ -23,6 +23,10 @@ patch frame_patch(const blend_image* frame, const rotation* turn, int32_t x, int
 const uint8_t* read_rows(const patch* from, int32_t row, int32_t rows, int32_t width,
                          uint8_t* buffer);
 
+// One such row, of which only the pixels count whose mask is not 0; the others are 0 or themselves.
+const uint8_t* read_masked_row(const patch* from, int32_t row, int32_t width, const uint8_t* mask,
+                               uint8_t* buffer);
+
 // Where to put packed rows of a result from row `row` on: within a packed patch, or in `buffer`.
 // store_rows then stamps buffered rows into the frame, opaque.
 uint8_t* result_rows(const patch* to, int32_t row, uint8_t* buffer);
