@@ -6,9 +6,7 @@ int32_t imageblend_web_box(const blend_image* mask, int32_t center_x, int32_t ce
                            float angle, imageblend_box* box) {
     object_plan object;
     measure_object(mask->data, mask->width, mask->height, &object);
-    const bool turned = turn_object(angle, &object);
-    free_object(&object);
-    if (!turned) return -1;
+    turn_object(angle, &object);
     const placement place = {center_x, center_y, zoom};
     const blend_plan plan = plan_blend(&object, &place, mask);
     if (!plan.fits) return -1;

@@ -14,8 +14,7 @@ extern "C" {
  * Finds the rectangle that vorn_imageBlending writes with these arguments, of frames of the mask's
  * size.
  *
- * Returns 0; -1 when that call would refuse the placement, or when memory runs out.
- * Memory while it runs: one byte for every pixel that the rotated object can reach.
+ * Returns 0; -1 when that call would refuse the placement. Needs no memory.
  */
 int32_t imageblend_web_box(const blend_image* mask, int32_t center_x, int32_t center_y, float zoom,
                            float angle, imageblend_box* box);
