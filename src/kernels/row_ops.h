@@ -7,6 +7,7 @@
 //
 // Rows are packed. Unless said otherwise, the operands of one call have equal lengths, outputs do
 // not overlap inputs, and nothing outside the given lengths is read or written.
+// Vector paths ask the cache for what lies a row ahead, the next row where a level is packed.
 #ifndef IMAGEBLEND_KERNELS_ROW_OPS_H
 #define IMAGEBLEND_KERNELS_ROW_OPS_H
 

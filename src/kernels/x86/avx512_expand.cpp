@@ -22,9 +22,11 @@ void avx512_expand_row_c3(const uint8_t* __restrict src, int32_t src_width, uint
                           int32_t dst_width) {
     const int32_t inner = src_width - 4;
     if (inner < 20) return avx2_expand_row_c3(src, src_width, dst, dst_width);
+    const size_t ahead = 3 * (size_t)src_width;  // the next row of the level
     const bytes64 low = load(expanded_low.at), high = load(expanded_high.at);
     for_each_vector((size_t)inner, 20, [=](size_t i) {
         const uint8_t* s = src + 3 * (i + 1);
+        __builtin_prefetch(s + ahead);
         const bytes64 b = load(s), c = load(s + 3);
         const bytes64 even = even_phase(load(s - 3), b, c);
         const bytes64 odd = average_up(b, c);

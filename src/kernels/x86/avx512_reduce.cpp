@@ -69,11 +69,14 @@ static void reduce_two(const reduce_tables* tables, const uint8_t* even, const u
                        int32_t src_width, uint8_t* sums, uint8_t* dst, int32_t dst_width) {
     const size_t channels = (size_t)tables->channels, taken = (size_t)tables->pixels * channels;
     const size_t last = 2 * (channels * (size_t)dst_width - taken);
+    const size_t ahead = 2 * channels * (size_t)src_width;  // the next two rows of the level
     const __mmask32 written = ((__mmask32)1 << taken) - 1;
     reduce_step step = {0, ~(__mmask64)0, load(tables->first_pairs.at), load(tables->pairs.at),
                         load(tables->singles.at)};
     for (size_t at = 0;; sums += 128) {
         const __m512i even_sum = sum_row(even + at, &step), odd_sum = sum_row(odd + at, &step);
+        __builtin_prefetch(even + at + ahead);
+        __builtin_prefetch(odd + at + ahead);
         const __m512i row = shift_words_down<4>(even_sum);
         const bytes64 pairs = choose(words_of(0xff), row, _mm512_slli_epi16(odd_sum, 4));
         const __m512i sum = load(sums + 64);

@@ -65,14 +65,17 @@ typedef struct picture_rows {
     coarse_rows coarse;
 } picture_rows;
 
-// Pixels where the mask is all 0 or all 255: only one picture counts.
+// Pixels where the mask is all 0 or all 255: only one picture counts. The next row of the level
+// lies `ahead` bytes further.
 template <class Phase>
 inline void merge_one_run(const picture_rows* picture, const coarse_rows* result, size_t i,
-                          uint8_t* dst) {
+                          size_t ahead, uint8_t* dst) {
     byte_vector out[3];
 #pragma GCC unroll 3
     for (size_t k = 0; k < 3; k++) {
         const size_t at = i + k * sizeof(byte_vector);
+        __builtin_prefetch(picture->row + at + ahead);
+        __builtin_prefetch(dst + at + ahead, 1);
         out[k] = merge_one(load(picture->row + at), Phase::at(&picture->coarse, at),
                            Phase::at(result, at));
     }
@@ -108,6 +111,7 @@ inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels
     mask_kind chosen = MASK_CLEAR;
     for_each_block(pixels, MERGED_PIXELS, [=, &picture, &chosen](size_t p) {
         const mask_kind kind = kind_of(load(mask + p));
+        __builtin_prefetch(mask + p + pixels);
         if (__builtin_expect(kind == MASK_HARD, 0)) {
             return merge_both_run<Phase, true>(rows, p, dst);
         }
@@ -122,7 +126,7 @@ inline void merge(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels
             }
             chosen = kind;
         }
-        merge_one_run<Phase>(&picture, &result, 3 * p, dst);
+        merge_one_run<Phase>(&picture, &result, 3 * p, 3 * pixels, dst);
     });
 }
 
