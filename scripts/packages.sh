@@ -61,4 +61,5 @@ has_web() {
 build_packages=(g++ cmake make pkg-config libvips-dev libcli11-dev nlohmann-json3-dev)
 test_packages=(libgtest-dev libvips-tools parallel procps imagemagick openjdk-17-jdk-headless junit4
     python3 python3-numpy python3-pil binutils strace dpkg-dev file openssh-client openssh-server)
-web_packages=(cmake make clang lld wasi-libc libclang-rt-14-dev-wasm32 binaryen)
+web_packages=(cmake make clang lld wasi-libc libclang-rt-14-dev-wasm32
+    libc++-14-dev-wasm32 libc++abi-14-dev-wasm32 binaryen)
