@@ -1,18 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <math.h>
 #include <string.h>
+#include <wasm_simd128.h>
 
 #include "imageblend_web.h"
 #include "memory.h"
 
-// Four channels of one pixel, alpha first.
-typedef float pixel_f32 __attribute__((vector_size(16)));
-typedef uint16_t pixel_u16 __attribute__((vector_size(8)));
-
-// Alpha times 255 and colours times alpha, 0 .. 255 * 255, with a border of zeros on all sides
-// that the taps of the filter may lie in.
+// Alpha times 255 and colours times alpha, 0 .. 255 * 255, four values of 16 bits a pixel, with a
+// border of zeros on all sides that the taps of the filter may lie in.
 typedef struct weighed_plane {
-    pixel_u16* pixels;  // of the border's top left corner
+    uint16_t* pixels;  // of the border's top left corner
     int64_t width, height, pitch;
 } weighed_plane;
 
@@ -20,13 +17,9 @@ enum { BORDER = 4, TAPS = 4, WIDEST_BLUR = 2, POSITIONS = 64 };
 // Steps from a pixel to the next at which the filter's weights are known.
 static const float positions = POSITIONS;
 
-// The mean's rounding is half of n * n.
-static uint16_t mean_of(uint64_t sum, uint64_t count) {
-    return (uint16_t)((sum + count / 2) / count);
-}
-
-// The mean of the n x n pixels from (x, y) on, of which those beyond the picture are 0.
-static pixel_u16 weighed_mean(const blend_image* picture, int64_t x, int64_t y, int64_t n) {
+// The mean of the n x n pixels from (x, y) on, of which those beyond the picture are 0, with the
+// rounding half of n * n.
+static void weigh_mean(const blend_image* picture, int64_t x, int64_t y, int64_t n, uint16_t* to) {
     const int64_t right = min_i64(x + n, picture->width), bottom = min_i64(y + n, picture->height);
     uint64_t sum[4] = {0, 0, 0, 0};
     for (int64_t row = y; row < bottom; row++) {
@@ -39,8 +32,8 @@ static pixel_u16 weighed_mean(const blend_image* picture, int64_t x, int64_t y, 
         }
     }
     const uint64_t count = (uint64_t)(n * n);
-    return pixel_u16{mean_of(sum[0], count), mean_of(sum[1], count), mean_of(sum[2], count),
-                     mean_of(sum[3], count)};
+    for (int c = 0; c < 4; c++)
+        to[c] = (uint16_t)((sum[c] + count / 2) / count);
 }
 
 // A row of pixels, each weighed by itself.
@@ -56,12 +49,12 @@ static void weigh_row(const uint8_t* __restrict from, int64_t count, uint16_t* _
 
 static bool alloc_weighed(int64_t width, int64_t height, weighed_plane* plane) {
     *plane = {NULL, width, height, width + 2 * BORDER};
-    plane->pixels = (pixel_u16*)alloc_zeroed_plane(plane->pitch, height + 2 * BORDER, 8);
+    plane->pixels = (uint16_t*)alloc_zeroed_plane(plane->pitch, height + 2 * BORDER, 8);
     return plane->pixels != NULL;
 }
 
-static pixel_u16* row_of(const weighed_plane* plane, int64_t y) {
-    return plane->pixels + (y + BORDER) * plane->pitch + BORDER;
+static uint16_t* pixel_of(const weighed_plane* plane, int64_t x, int64_t y) {
+    return plane->pixels + 4 * ((y + BORDER) * plane->pitch + x + BORDER);
 }
 
 // Means of n x n pixels, or the pixels themselves where n is 1.
@@ -69,80 +62,100 @@ static bool weigh(const blend_image* picture, int64_t n, weighed_plane* plane) {
     const int64_t width = (picture->width + n - 1) / n, height = (picture->height + n - 1) / n;
     if (!alloc_weighed(width, height, plane)) return false;
     for (int64_t y = 0; y < height; y++) {
-        pixel_u16* row = row_of(plane, y);
         if (n == 1) {
-            weigh_row(picture->data + 4 * y * width, width, (uint16_t*)row);
+            weigh_row(picture->data + 4 * y * width, width, pixel_of(plane, 0, y));
             continue;
         }
         for (int64_t x = 0; x < width; x++)
-            row[x] = weighed_mean(picture, x * n, y * n, n);
+            weigh_mean(picture, x * n, y * n, n, pixel_of(plane, x, y));
     }
     return true;
 }
 
-// exp(x) for -100 <= x <= 0, to six digits: libc's own brings a table of 2 KB. The series needs a
-// small argument, so it is that of x / 1024, squared ten times.
-static double exponential(double x) {
-    const double part = x / 1024.0;
-    double value = 1.0 + part * (1.0 + part * (0.5 + part / 6.0));
-    for (int i = 0; i < 10; i++)
+// exp(-x) for x from 0 to 5, by its series at x / 64. The library's own is a kilobyte.
+static double falling_exp(double x) {
+    const double y = x / 64.0;
+    double value = 1.0 - y * (1.0 - y / 2.0 * (1.0 - y / 3.0 * (1.0 - y / 4.0)));
+    for (int i = 0; i < 6; i++)
         value *= value;
     return value;
 }
 
-// The weights of a Gaussian from its middle on, in twentieths; 0 beyond.
-static void blur_weights(double scale, float weights[WIDEST_BLUR + 1]) {
-    const double sigma = 0.45 * sqrt(1.0 / (scale * scale) - 1.0);
-    double sum = 0.0, level[WIDEST_BLUR + 1] = {20.0};
-    for (int i = 0; i <= WIDEST_BLUR; i++) {
-        const double height = sigma < 0.1 ? 0.0 : exponential(-i * i / (2.0 * sigma * sigma));
-        if (i > 0) level[i] = height < 0.01 ? 0.0 : floor(20.0 * height + 0.5);
-        sum += i > 0 ? 2.0 * level[i] : level[i];
-    }
-    for (int i = 0; i <= WIDEST_BLUR; i++)
-        weights[i] = (float)(level[i] / sum);
+// The height of a Gaussian in twentieths; 0 from a hundredth down.
+static float blur_height(double exponent) {
+    const double height = exponent > 5.0 ? 0.0 : falling_exp(exponent);
+    return height < 0.01 ? 0.0f : (float)(int)(20.0 * height + 0.5);
 }
 
-static pixel_f32 to_float(pixel_u16 pixel) {
-    return __builtin_convertvector(pixel, pixel_f32);
+// The weights of a Gaussian from its middle on, whose sigma is 0.45 sqrt(1 / scale^2 - 1).
+static void blur_weights(double scale, float weights[WIDEST_BLUR + 1]) {
+    const double variance = 0.2025 * (1.0 / (scale * scale) - 1.0);
+    float sum = 0.0f;
+    for (int i = 0; i <= WIDEST_BLUR; i++) {
+        weights[i] = i == 0            ? 20.0f
+                     : variance < 0.01 ? 0.0f
+                                       : blur_height(i * i / (2.0 * variance));
+        sum += i == 0 ? weights[i] : 2.0f * weights[i];
+    }
+    for (int i = 0; i <= WIDEST_BLUR; i++)
+        weights[i] /= sum;
+}
+
+// Written as a shuffle because clang 14 takes what widens and converts apart, lane by lane.
+static v128_t load_pixel(const uint16_t* pixel) {
+    const v128_t levels = wasm_v128_load64_zero(pixel), zero = wasm_i32x4_const_splat(0);
+    return wasm_f32x4_convert_i32x4(wasm_i16x8_shuffle(levels, zero, 0, 8, 1, 9, 2, 10, 3, 11));
+}
+
+static v128_t scaled(v128_t pixel, float weight) {
+    return wasm_f32x4_mul(pixel, wasm_f32x4_splat(weight));
+}
+
+// The nearest integers of four values, half rounded up; 0 for those below.
+static v128_t nearest(v128_t values) {
+    return wasm_i32x4_trunc_sat_f32x4(wasm_f32x4_add(values, wasm_f32x4_const_splat(0.5f)));
 }
 
 // A row of pixels with those of two rows each to its sides, the nearest first.
-static void blur_row(const pixel_u16* middle, const pixel_u16* const sides[WIDEST_BLUR][2],
-                     const float* weights, int64_t count, pixel_u16* to) {
-    for (int64_t x = 0; x < count; x++) {
-        pixel_f32 sum = to_float(middle[x]) * weights[0] + 0.5f;
-        for (int k = 0; k < WIDEST_BLUR; k++)
-            sum += (to_float(sides[k][0][x]) + to_float(sides[k][1][x])) * weights[k + 1];
-        to[x] = __builtin_convertvector(sum, pixel_u16);
+static void blur_row(const uint16_t* middle, const uint16_t* const sides[WIDEST_BLUR][2],
+                     const float* weights, int64_t count, uint16_t* to) {
+    for (int64_t i = 0; i < 4 * count; i += 4) {
+        v128_t sum = scaled(load_pixel(middle + i), weights[0]);
+        for (int k = 0; k < WIDEST_BLUR; k++) {
+            const v128_t both =
+                wasm_f32x4_add(load_pixel(sides[k][0] + i), load_pixel(sides[k][1] + i));
+            sum = wasm_f32x4_add(sum, scaled(both, weights[k + 1]));
+        }
+        const v128_t levels = nearest(sum);
+        wasm_v128_store64_lane(to + i, wasm_u16x8_narrow_i32x4(levels, levels), 0);
     }
 }
 
 // Along the rows, beyond which the last pixel is repeated.
 static void blur_across(const weighed_plane* plane, const float* weights, weighed_plane* to) {
     for (int64_t y = 0; y < plane->height; y++) {
-        pixel_u16* row = row_of(plane, y);
-        pixel_u16* const end = row + plane->width;
+        uint16_t* row = pixel_of(plane, 0, y);
+        uint16_t* const end = pixel_of(plane, plane->width, y);
         for (int k = 0; k < WIDEST_BLUR; k++) {
-            row[-1 - k] = row[0];
-            end[k] = end[-1];
+            memcpy(row - 4 * (k + 1), row, 8);
+            memcpy(end + 4 * k, end - 4, 8);
         }
-        const pixel_u16* const sides[WIDEST_BLUR][2] = {{row - 1, row + 1}, {row - 2, row + 2}};
-        blur_row(row, sides, weights, plane->width, row_of(to, y));
-        memset(row - WIDEST_BLUR, 0, WIDEST_BLUR * sizeof *row);
-        memset(end, 0, WIDEST_BLUR * sizeof *end);
+        const uint16_t* const sides[WIDEST_BLUR][2] = {{row - 4, row + 4}, {row - 8, row + 8}};
+        blur_row(row, sides, weights, plane->width, pixel_of(to, 0, y));
+        memset(row - 4 * WIDEST_BLUR, 0, 8 * WIDEST_BLUR);
+        memset(end, 0, 8 * WIDEST_BLUR);
     }
 }
 
 static void blur_along(const weighed_plane* plane, const float* weights, weighed_plane* to) {
     const int64_t last = plane->height - 1;
     for (int64_t y = 0; y <= last; y++) {
-        const pixel_u16* sides[WIDEST_BLUR][2];
+        const uint16_t* sides[WIDEST_BLUR][2];
         for (int k = 0; k < WIDEST_BLUR; k++) {
-            sides[k][0] = row_of(plane, max_i64(y - 1 - k, 0));
-            sides[k][1] = row_of(plane, min_i64(y + 1 + k, last));
+            sides[k][0] = pixel_of(plane, 0, max_i64(y - 1 - k, 0));
+            sides[k][1] = pixel_of(plane, 0, min_i64(y + 1 + k, last));
         }
-        blur_row(row_of(plane, y), sides, weights, plane->width, row_of(to, y));
+        blur_row(pixel_of(plane, 0, y), sides, weights, plane->width, pixel_of(to, 0, y));
     }
 }
 
@@ -168,24 +181,26 @@ static void cubic_weights(float part, float* weights) {
     weights[3] = 0.5f * cube - 0.5f * square;
 }
 
-static pixel_f32 filter_at(const pixel_u16* corner, int64_t pitch, const float* across,
-                           const float* along) {
-    pixel_f32 sum = {0.0f, 0.0f, 0.0f, 0.0f};
-    for (int64_t y = 0; y < TAPS; y++, corner += pitch) {
-        pixel_f32 row = to_float(corner[0]) * across[0];
-        for (int64_t x = 1; x < TAPS; x++)
-            row += to_float(corner[x]) * across[x];
-        sum += row * along[y];
+static v128_t filter_at(const uint16_t* corner, int64_t pitch, const float* across,
+                        const float* along) {
+    v128_t sum = wasm_f32x4_const_splat(0.0f);
+    for (int y = 0; y < TAPS; y++, corner += 4 * pitch) {
+        v128_t row = scaled(load_pixel(corner), across[0]);
+        for (int x = 1; x < TAPS; x++)
+            row = wasm_f32x4_add(row, scaled(load_pixel(corner + 4 * x), across[x]));
+        sum = wasm_f32x4_add(sum, scaled(row, along[y]));
     }
     return sum;
 }
 
 // Colours are divided by alpha again.
-static void store_pixel(pixel_f32 sum, uint8_t* out) {
-    out[0] = float_to_byte(sum[0] / 255.0f);
-    const float factor = sum[0] > 0.0f ? 255.0f / sum[0] : 0.0f;
-    for (int c = 1; c < 4; c++)
-        out[c] = float_to_byte(sum[c] * factor);
+static void store_pixel(v128_t sum, uint8_t* out) {
+    const float alpha = wasm_f32x4_extract_lane(sum, 0);
+    const v128_t factors = wasm_f32x4_splat(alpha > 0.0f ? 255.0f / alpha : 0.0f);
+    const v128_t levels =
+        nearest(wasm_f32x4_mul(sum, wasm_f32x4_replace_lane(factors, 0, 1.0f / 255.0f)));
+    const v128_t halves = wasm_i16x8_narrow_i32x4(levels, levels);
+    wasm_v128_store32_lane(out, wasm_u8x16_narrow_i16x8(halves, halves), 0);
 }
 
 // From a window's pixels to positions in a plane, where the middle of pixel 0 is 0.
@@ -220,9 +235,8 @@ static void turn_row(const weighed_plane* plane, const inverse_turn* inverse,
         }
         const int across = (int)((from_x - left) * (double)positions + 0.5);
         const int along = (int)((from_y - top) * (double)positions + 0.5);
-        store_pixel(filter_at(row_of(plane, (int64_t)top - 1) + (int64_t)left - 1, plane->pitch,
-                              weights[across], weights[along]),
-                    out);
+        const uint16_t* corner = pixel_of(plane, (int64_t)left - 1, (int64_t)top - 1);
+        store_pixel(filter_at(corner, plane->pitch, weights[across], weights[along]), out);
     }
 }
 
