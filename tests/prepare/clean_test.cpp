@@ -116,7 +116,8 @@ void expect_divided(const cleaned& made, const picture& given) {
 
 TEST(CutOut, HasItsColoursDividedWhenTheyAreMultiplied) {
     const picture alpha = faded_disc(40, 3);
-    for (const rgb& colour : {rgb{{200, 150, 60}}, rgb{{90, 90, 90}}, rgb{{60, 30, 120}}}) {
+    for (const rgb& colour :
+         {rgb{{200, 150, 60}}, rgb{{90, 90, 90}}, rgb{{60, 30, 120}}, rgb{{249, 249, 249}}}) {
         const picture object = texture(150, 150, colour, 6, 4);
         for (const bool multiplied : {false, true}) {
             const cleaned made = clean(cut_out(object, alpha, multiplied), nullptr);

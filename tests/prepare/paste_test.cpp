@@ -206,31 +206,32 @@ TEST(Surroundings, AreLitLikeTheDestinationAndEndAtTheirReach) {
     }
 }
 
-// The object at the left border is far from the right one, and as far away all around.
-TEST(Surroundings, ReachAsFarInANarrowDestination) {
+// At the end of their reach they have faded, which an object at the other border does not change.
+TEST(Surroundings, FadeFromBorderToBorder) {
+    const int32_t width = 70, beyond = 40, reach = 52;
     for (const bool mirrored : {false, true}) {
-        picture object = texture(40, 60, {{200, 60, 50}}, 20, 1);
-        for (int32_t y = 0; y < 60; ++y) {
-            for (int32_t x = 0; x < 40; ++x)
-                *object.at(x, y) = (mirrored ? 39 - x : x) < 8 ? 255 : 0;
-        }
-        picture around = texture(40, 60, {{110, 130, 90}}, 60, 2);
-        for (size_t i = 0; i < around.data.size(); i += 4)
-            around.data[i] = 255;
-        const picture destination = texture(40, 60, {{120, 100, 60}}, 60, 9);
-        picture made = destination;
-        blend_image record = object.record(), ring = around.record(), output = made.record();
-        const imageblend_layer layer = {&record, &ring, 24, 0, 0};
-        int32_t reach = -1;
-        ASSERT_EQ(imageblend_paste(&layer, &output, &reach), 0);
-        ASSERT_EQ(reach, 24);
-        for (int32_t y = 0; y < 60; ++y) {
-            for (int32_t far = 8 + 24; far < 40; ++far) {
-                const int32_t x = mirrored ? 39 - far : far;
-                ASSERT_TRUE(std::equal(made.at(x, y), made.at(x, y) + 4, destination.at(x, y)))
-                    << x << ", " << y;
+        picture object = texture(width + 2 * beyond, 100, {{200, 60, 50}}, 20, 1);
+        picture around = texture(width + 2 * beyond, 100, {{110, 130, 90}}, 60, 2);
+        for (int32_t y = 0; y < object.height; ++y) {
+            for (int32_t x = 0; x < object.width; ++x) {
+                const int32_t from_border = (mirrored ? object.width - 1 - x : x) - beyond;
+                *object.at(x, y) = from_border >= 0 && from_border < 8 ? 255 : 0;
+                *around.at(x, y) = 255;
             }
         }
+        const picture destination = texture(width, 20, {{120, 100, 60}}, 60, 9);
+        picture made = destination;
+        blend_image record = object.record(), ring = around.record(), output = made.record();
+        const imageblend_layer layer = {&record, &ring, reach, -beyond, -beyond};
+        ASSERT_EQ(imageblend_paste(&layer, &output, nullptr), 0);
+        int32_t sum = 0, pixels = 0;
+        for (int32_t y = 0; y < made.height; ++y) {
+            for (int32_t far = 8 + reach - 5; far < 8 + reach; ++far, ++pixels) {
+                const int32_t x = mirrored ? width - 1 - far : far;
+                sum += std::abs(made.at(x, y)[1] - destination.at(x, y)[1]);
+            }
+        }
+        EXPECT_LT(sum, 5 * pixels) << mirrored;
     }
 }
 
