@@ -64,6 +64,12 @@ sizes() {
     flat light.png 100 80 255 3
     run 0 blend dark.png light.png o.png --zoom 0.5 --as-is && says "scaled by 0.5"
     at_least o.png 254
+    # Four pixels stay free around it, and fewer in a frame of less than 32.
+    flat tiny.png 32 32 0 3 && flat least.png 24 24 0 3
+    run 0 blend white.png tiny.png o.png --mask bar.png --zoom 0.21 --as-is
+    says "scaled by 0.2 before"
+    run 0 blend white.png least.png o.png --mask bar.png --zoom 0.2 --as-is
+    says "scaled by 0.15 before"
     local command limit
     for command in "verify white.png small.png" "blend white.png small.png o.png"; do
         command="$command --mask large.png --angle 10 --as-is"

@@ -54,6 +54,7 @@ END
     ! cmp -s white.png there.png || fail "the output was not overwritten"
     run 0 batch /dev/null
     grep -qx 'imageblend: /dev/null: 0 blended, 0 failed, 0 warnings in 0.0 s' err || fail "summary of no job"
+    run 66 batch . && says ".: cannot be read: Is a directory"
     run 66 batch none.jsonl && says "none.jsonl: cannot be read"
     run 64 batch jobs.jsonl --jobs 0
     sed '1,2s/.*//' table >part

@@ -182,6 +182,26 @@ masks() {
     flat strong.v 240 300 255 1 && flat faint.v 200 300 20 1
     vips insert strong.v faint.v mask.v 0 0 && vips embed mask.v faint.png 160 0 400 300
     run 0 blend red.png black.png o.png --mask faint.png && pixel_is o.png 200 200 3 16 3 3
+    # Noise keeps to both ends: columns of 0, 20, 100, 235 and 255, and the red of those of 235.
+    local zero faint middle strong full red
+    while read -r zero faint middle strong full red; do
+        {
+            printf 'P5 400 1 255\n'
+            head -c $zero /dev/zero
+            head -c $faint /dev/zero | tr '\0' '\024'
+            head -c $middle /dev/zero | tr '\0' '\144'
+            head -c $strong /dev/zero | tr '\0' '\353'
+            head -c $full /dev/zero | tr '\0' '\377'
+        } >row.pgm
+        vips replicate row.pgm columns.png 1 300
+        run 0 blend red.png black.png o.png --mask columns.png --no-fit
+        near 4 "red beside $middle columns" "$(vips getpoint o.png 250 200 | cut -d' ' -f1)" $red
+    done <<END
+100 80 40 80 100 200
+100 79 41 80 100 184
+120 20 20 140 100 200
+121 19 20 140 100 184
+END
 }
 
 streams() {
