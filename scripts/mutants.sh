@@ -54,9 +54,11 @@ cover() {
     esac
 }
 build() { timeout 600 cmake --build "$work/build" -j "$(nproc)" --target "$1" >>"$work/log" 2>&1; }
+# end_leftovers: a faulty command may run on after its test.
+end_leftovers() { pgrep -f "^$work/build/imageblend( |\$)" | xargs -r kill -9 2>/dev/null || true; }
 # try FILE: 0 when its tests pass, 1 when one fails, 2 when it cannot be built
 try() {
-    local test target command
+    local test target command status=0
     cover "$1"
     for test in "${tests[@]}"; do
         case $1 in
@@ -65,7 +67,9 @@ try() {
                 command=(bash "$work/tree/tests/cli/${test}_test.sh" "$work/build/imageblend") ;;
         esac
         build "$target" || return 2
-        timeout -k 5 "$seconds" "${command[@]}" >>"$work/log" 2>&1 || return 1
+        timeout -k 5 "$seconds" "${command[@]}" >>"$work/log" 2>&1 || status=1
+        end_leftovers
+        [ $status -eq 0 ] || return 1
     done
 }
 
