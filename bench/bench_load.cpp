@@ -21,7 +21,7 @@
 
 namespace {
 
-enum { ROUNDS = 301 };
+enum { ROUNDS = 151 };
 
 bool one_thread = false;
 

@@ -15,11 +15,13 @@ for option in "$@"; do
     esac
 done
 
-need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev libhalide14-0-dev gnuplot-nox enblend
+need_packages "${build_packages[@]}" libbenchmark-dev libopencv-dev libhalide14-0-dev gnuplot-nox \
+    enblend
 build=${BUILD_DIR:-$root/build}
 cmake -S "$root" -B "$build" -DCMAKE_BUILD_TYPE=Release -DIMAGEBLEND_BUILD_BENCH=ON
 programs=(bench_rows bench_pyramid bench_calls bench_prepare)
-cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_fresh bench_load bench_memory bench_table
+cmake --build "$build" -j "$(nproc)" --target "${programs[@]}" bench_fresh bench_load \
+    bench_memory bench_table
 
 unset IMAGEBLEND_LOG
 results=$build/bench/results
@@ -39,7 +41,7 @@ echo "running bench_fresh"
 "$build/bench/bench_fresh" "$($quick && echo 3 || echo 21)" >"$results/bench_fresh.json"
 files+=("$results/bench_fresh.json")
 echo "running bench_load"
-"$build/bench/bench_load" "$($quick && echo 31 || echo 301)" >"$results/bench_load.json"
+"$build/bench/bench_load" "$($quick && echo 31 || echo 151)" >"$results/bench_load.json"
 files+=("$results/bench_load.json")
 echo "running bench_memory"
 if "$build/bench/bench_memory" >"$results/bench_memory.json"; then
