@@ -114,7 +114,7 @@ typedef struct row_ops {
     int64_t pixels_a_ms;  // about as many pixels of a blend as one thread gets through
     filter_row *reduce_row_c3, *reduce_row_c1, *expand_row_c3;
     filter_column* reduce_column;
-    filter_two_rows *reduce_two_c3, *reduce_two_c1;  // null where the two steps are as fast
+    filter_two_rows *reduce_two_c3, *reduce_two_c1;  // null where there is none
     merge_row *merge_even, *merge_odd;
     mix_two_rows* mix_rows;
     resample_row* resample_row_c3;
