@@ -152,7 +152,9 @@ preparation() {
     run 0 blend photo.png ground.png o.png --mask wide.png --no-fit && unchanged 233 163 134 74
     pixel_near o.png 237 200 100
     run 0 blend photo.png ground.png o.png --mask wide.png --grow 4 && unchanged 234 164 132 72
+    run 0 blend photo.png ground.png alone.png --mask bar.png
     run 0 blend photo.png ground.png o.png --mask bar.png --surroundings 20
+    ! cmp -s alone.png o.png || fail "no surroundings come along"
     unchanged 219 149 162 102 && pixel_near o.png 236 200 40
     run 0 blend cut.png ground.png o.png --surroundings 20 && says "nothing around the object"
     unchanged 239 169 122 62
