@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: Apache-2.0
+// Files that are dropped, chosen and broken; masks that are painted.
+
+import assert from "node:assert/strict";
+import { readFileSync, writeFileSync } from "node:fs";
+import { join } from "node:path";
+import { after, afterEach, before, beforeEach, describe, test } from "node:test";
+import { choose, closePage, download, middleOf, missing, noticeOf, openPage, pause, screenshot,
+    settled, shown, shownOnce, startBrowser } from "./browser.mjs";
+import { cutOutDisc, drawn, ground, writePng } from "./files.mjs";
+
+/** Drags a file over the page and drops it on a zone. */
+async function drop(page, kind, name, bytes, type = "image/png") {
+    await page.evaluate((kind, name, text, type) => {
+        const data = new DataTransfer();
+        const content = Uint8Array.from(atob(text), (letter) => letter.charCodeAt(0));
+        data.items.add(new File([content], name, { type }));
+        const send = (target, event) => target.dispatchEvent(new DragEvent(event,
+            { dataTransfer: data, bubbles: true, cancelable: true }));
+        send(document.body, "dragenter");
+        const zone = document.querySelector(`.zone[data-kind=${kind}]`);
+        if (zone.getClientRects().length === 0) throw new Error("the zones are not shown");
+        send(zone, "dragover");
+        send(zone, "drop");
+    }, kind, name, bytes.toString("base64"), type);
+}
+
+describe("files", { skip: missing() }, () => {
+    let place;
+    let page;
+    let file;
+
+    before(async () => {
+        place = await startBrowser({ prefix: "/" });
+        file = (name, picture) => writePng(join(place.folder, name), picture);
+    });
+    after(() => place.close());
+    beforeEach(async () => (page = await openPage(place)));
+    afterEach(() => closePage(page));
+
+    test("are dropped as photo and as object, and undo brings the old ones back", async () => {
+        const { placement } = await shown(page);
+        await drop(page, "photo", "sea.png", readFileSync(file("sea.png", ground(640, 800))));
+        const first = await shownOnce(page, ({ photo }) => photo === "sea.png");
+        assert.deepEqual([first.placement.x, first.placement.y], [320, 400]);
+        await drop(page, "object", "disc.png", readFileSync(file("disc.png", cutOutDisc(200))));
+        await shownOnce(page, ({ object }) => object === "disc.png");
+        const shape = await page.$eval("#picture", ({ clientWidth, clientHeight }) =>
+            clientWidth / clientHeight);
+        assert.ok(Math.abs(shape - 0.8) < 0.01, `the picture's shape is ${shape}`);
+        assert.equal(await page.$eval("#surroundings", (slider) => slider.disabled), true);
+        await screenshot(page, "dropped");
+        await page.click("#undo");
+        await shownOnce(page, ({ object }) => object === "balloon.jpg");
+        await page.click("#undo");
+        const back = await shownOnce(page, ({ photo }) => photo === "lake.jpg");
+        assert.deepEqual(back.placement, placement);
+    });
+
+    test("that are no pictures are refused in words, and the scene stays", async () => {
+        const before = await shown(page);
+        await drop(page, "photo", "notes.txt", Buffer.from("no picture"), "text/plain");
+        assert.match(await noticeOf(page), /^“notes\.txt” is not a picture that/);
+        await screenshot(page, "error");
+        await page.click("#notice-close");
+        const broken = join(place.folder, "broken.png");
+        writeFileSync(broken, readFileSync(file("whole.png", ground(60, 60))).subarray(0, 60));
+        await choose(page, "object", broken);
+        assert.match(await noticeOf(page), /^“broken\.png” is not a picture/);
+        assert.deepEqual(await settled(page), before);
+        await page.focus("#object");
+        await page.keyboard.press("ArrowLeft");
+        await shownOnce(page, ({ placement: { x } }) => x === before.placement.x - 1);
+    });
+
+    test("a drop of what is no file is said to be none", async () => {
+        await page.evaluate(() => document.body.dispatchEvent(new DragEvent("drop",
+            { dataTransfer: new DataTransfer(), bubbles: true, cancelable: true })));
+        assert.match(await noticeOf(page), /not a file/);
+    });
+
+    test("a picture without a mask is painted on, by pointer, with undo and erasing", async () => {
+        const blot = drawn(400, 300, (x, y) =>
+            (Math.hypot(x - 200, y - 150) < 60 ? [210, 40, 30, 255] : [90, 140, 90, 255]));
+        await drop(page, "object", "blot.png", readFileSync(file("blot.png", blot)));
+        await page.waitForSelector("#painter[open]");
+        const { x, y } = await middleOf(page, "#painter-paint");
+        const stroke = async (dy) => {
+            await page.mouse.move(x - 60, y + dy);
+            await page.mouse.down();
+            await page.mouse.move(x + 60, y + dy, { steps: 4 });
+            await page.mouse.up();
+        };
+        const marked = () => page.$eval("#painter-paint", (canvas) => {
+            const { width, height } = canvas;
+            const { data } = canvas.getContext("2d").getImageData(0, 0, width, height);
+            return data.filter((value, at) => at % 4 === 3 && value > 127).length;
+        });
+        assert.equal(await marked(), 0);
+        await stroke(0);
+        const one = await marked();
+        assert.ok(one > 500, `${one} pixels are marked`);
+        await stroke(30);
+        assert.ok(await marked() > one);
+        await screenshot(page, "painter");
+        await page.click("#painter-undo");
+        assert.equal(await marked(), one);
+        await page.click("input[name=tool][value=erase]");
+        await stroke(0);
+        assert.ok(await marked() < one / 10);
+        await page.click("#painter-undo");
+        await page.click("#painter-use");
+        const { object } = await shownOnce(page, (scene) => scene.object === "blot.png");
+        assert.equal(object, "blot.png");
+        assert.ok(await page.$eval("#object", ({ clientWidth, clientHeight }) =>
+            clientWidth > clientHeight * 1.5), "the object is the stroke, which is wide");
+    });
+
+    test("a mask is painted by keys; an empty one is refused in words", async () => {
+        await page.focus("#object-paint");
+        await page.keyboard.press("Enter");
+        await page.waitForSelector("#painter[open]");
+        await page.click("#painter-clear");
+        await page.click("#painter-use");
+        assert.match(await noticeOf(page), /Nothing is marked/);
+        await page.click("#object-paint");
+        await page.waitForSelector("#painter[open]");
+        await page.click("#painter-clear");
+        await page.focus("#painter-paint");
+        await page.keyboard.down(" ");
+        for (let step = 0; step < 8; step++) await page.keyboard.press("ArrowDown");
+        await page.keyboard.up(" ");
+        await page.keyboard.press("ArrowRight");
+        await page.click("#painter-use");
+        await page.waitForSelector("#painter:not([open])");
+        await page.waitForFunction(() => {
+            const { clientWidth, clientHeight } = document.getElementById("object");
+            return clientHeight > clientWidth * 1.5;
+        });
+    });
+
+    test("painting that is given up leaves the scene as it was", async () => {
+        const before = await shown(page);
+        await page.click("#object-paint");
+        await page.waitForSelector("#painter[open]");
+        await page.keyboard.press("Escape");
+        await page.waitForSelector("#painter:not([open])");
+        await pause(50);
+        assert.deepEqual(await settled(page), before);
+    });
+
+    test("a photo that lost colours before is saved as JPEG", async () => {
+        const { name, bytes } = await download(page, place.folder);
+        assert.equal(name, "lake-blended.jpg");
+        assert.deepEqual([...bytes.subarray(0, 3)], [0xff, 0xd8, 0xff]);
+    });
+});
