@@ -13,7 +13,7 @@ typedef struct weighed_plane {
     int64_t width, height, pitch;
 } weighed_plane;
 
-enum { BORDER = 4, TAPS = 4, WIDEST_BLUR = 2, POSITIONS = 64 };
+enum { BORDER = 4, TAPS = 4, LARGEST_MEAN = 256, WIDEST_BLUR = 2, POSITIONS = 64 };
 // Steps from a pixel to the next at which the filter's weights are known.
 static const float positions = POSITIONS;
 
@@ -21,7 +21,7 @@ static const float positions = POSITIONS;
 // rounding half of n * n.
 static void weigh_mean(const blend_image* picture, int64_t x, int64_t y, int64_t n, uint16_t* to) {
     const int64_t right = min_i64(x + n, picture->width), bottom = min_i64(y + n, picture->height);
-    uint64_t sum[4] = {0, 0, 0, 0};
+    uint32_t sum[4] = {0, 0, 0, 0};
     for (int64_t row = y; row < bottom; row++) {
         const uint8_t* pixel = picture->data + 4 * (row * picture->width + x);
         for (int64_t i = x; i < right; i++, pixel += 4) {
@@ -31,7 +31,7 @@ static void weigh_mean(const blend_image* picture, int64_t x, int64_t y, int64_t
                 sum[c] += alpha * pixel[c];
         }
     }
-    const uint64_t count = (uint64_t)(n * n);
+    const uint32_t count = (uint32_t)(n * n);
     for (int c = 0; c < 4; c++)
         to[c] = (uint16_t)((sum[c] + count / 2) / count);
 }
@@ -82,23 +82,20 @@ static double falling_exp(double x) {
 }
 
 // The height of a Gaussian in twentieths; 0 from a hundredth down.
-static float blur_height(double exponent) {
-    const double height = exponent > 5.0 ? 0.0 : falling_exp(exponent);
+static float in_twentieths(double height) {
     return height < 0.01 ? 0.0f : (float)(int)(20.0 * height + 0.5);
 }
 
 // The weights of a Gaussian from its middle on, whose sigma is 0.45 sqrt(1 / scale^2 - 1).
 static void blur_weights(double scale, float weights[WIDEST_BLUR + 1]) {
     const double variance = 0.2025 * (1.0 / (scale * scale) - 1.0);
-    float sum = 0.0f;
-    for (int i = 0; i <= WIDEST_BLUR; i++) {
-        weights[i] = i == 0            ? 20.0f
-                     : variance < 0.01 ? 0.0f
-                                       : blur_height(i * i / (2.0 * variance));
-        sum += i == 0 ? weights[i] : 2.0f * weights[i];
-    }
-    for (int i = 0; i <= WIDEST_BLUR; i++)
-        weights[i] /= sum;
+    // Below, less than a hundredth is left beside the middle.
+    const double next = variance < 0.1 ? 0.0 : falling_exp(0.5 / variance);
+    const float first = in_twentieths(next), second = in_twentieths(next * next * next * next);
+    const float sum = 20.0f + 2.0f * (first + second);
+    weights[0] = 20.0f / sum;
+    weights[1] = first / sum;
+    weights[2] = second / sum;
 }
 
 // Written as a shuffle because clang 14 takes what widens and converts apart, lane by lane.
@@ -221,10 +218,10 @@ static inverse_turn invert(const imageblend_web_turn* turn, int64_t n,
 }
 
 static void turn_row(const weighed_plane* plane, const inverse_turn* inverse,
-                     const float (*weights)[TAPS], int64_t y, int64_t width, uint8_t* out) {
+                     const float (*weights)[TAPS], int32_t y, int32_t width, uint8_t* out) {
     const double row_x = inverse->x - inverse->sine * (double)y;
     const double row_y = inverse->y + inverse->cosine * (double)y;
-    for (int64_t x = 0; x < width; x++, out += 4) {
+    for (int32_t x = 0; x < width; x++, out += 4) {
         const double from_x = row_x + inverse->cosine * (double)x;
         const double from_y = row_y + inverse->sine * (double)x;
         const double left = floor(from_x), top = floor(from_y);
@@ -235,7 +232,7 @@ static void turn_row(const weighed_plane* plane, const inverse_turn* inverse,
         }
         const int across = (int)((from_x - left) * (double)positions + 0.5);
         const int along = (int)((from_y - top) * (double)positions + 0.5);
-        const uint16_t* corner = pixel_of(plane, (int64_t)left - 1, (int64_t)top - 1);
+        const uint16_t* corner = pixel_of(plane, (int32_t)left - 1, (int32_t)top - 1);
         store_pixel(filter_at(corner, plane->pitch, weights[across], weights[along]), out);
     }
 }
@@ -243,8 +240,10 @@ static void turn_row(const weighed_plane* plane, const inverse_turn* inverse,
 int32_t imageblend_web_turned(const blend_image* picture, const imageblend_web_turn* turn,
                               const imageblend_box* window, blend_image* out) {
     if (!(turn->zoom > 0.0)) return -1;
-    const double longest = (double)max_i64(picture->width, picture->height);
-    const int64_t n = turn->zoom <= 0.5 ? (int64_t)fmin(floor(1.0 / turn->zoom), longest) : 1;
+    // The sums of larger means would not fit into 32 bits; what is left of an object then is not
+    // worth more.
+    const double means = 1.0 / turn->zoom;
+    const int64_t n = means < 1.0 ? 1 : means < 256.0 ? (int64_t)means : LARGEST_MEAN;
     weighed_plane plane;
     if (!weigh(picture, n, &plane)) return -1;
     if (turn->zoom < 1.0 && !soften(turn->zoom * (double)n, &plane)) {
@@ -255,8 +254,9 @@ int32_t imageblend_web_turned(const blend_image* picture, const imageblend_web_t
     for (int i = 0; i <= POSITIONS; i++)
         cubic_weights((float)i / positions, weights[i]);
     const inverse_turn inverse = invert(turn, n, window);
-    for (int64_t y = 0; y < window->height; y++)
-        turn_row(&plane, &inverse, weights, y, window->width, out->data + 4 * y * window->width);
+    uint8_t* row = out->data;
+    for (int32_t y = 0; y < window->height; y++, row += 4 * window->width)
+        turn_row(&plane, &inverse, weights, y, window->width, row);
     free(plane.pixels);
     return 0;
 }
