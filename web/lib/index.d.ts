@@ -9,7 +9,8 @@
  * LOADING. Functions that return a promise load the WebAssembly module when it is first needed.
  * Everything else is synchronous. Results are the same bytes in every browser and in Node.
  *
- * ERRORS are of the class ImageBlendError, and a call that fails changes nothing.
+ * ERRORS are of the class ImageBlendError. A call that fails changes nothing, but for the code
+ * "memory": after it a Blender shows the photo alone, or has no photo if it was setPhoto that failed.
  */
 
 /** An ImageData, or anything of its shape: width * height * 4 bytes. */
@@ -140,8 +141,8 @@ export function objectSize(mask: Mask): Promise<{ width: number; height: number 
  * not done again. Moving an object by whole pixels is fastest; a new zoom, angle or fraction of a
  * pixel scales it anew.
  *
- * A Blender has memory of its own: twice the photo, and up to 40 bytes for each pixel of the
- * object.
+ * A Blender has memory of its own: 8 bytes for each pixel of the photo, 5 for each of the object's
+ * picture, and up to 40 for each of the object.
  */
 export class Blender {
     private constructor();
