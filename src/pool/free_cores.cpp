@@ -23,7 +23,8 @@ static int32_t running_threads(void) {
     return slash != NULL ? atoi(slash) : 0;
 }
 
-// Cores of the whole system; asked for once, as that opens another file.
+// Cores of the whole system, or of this process where the C library knows no others: then fewer
+// threads start beside busy ones elsewhere. Asked for once, as that opens another file.
 static int32_t all_cores(void) {
     static int32_t known = 0;
     int32_t cores = __atomic_load_n(&known, __ATOMIC_RELAXED);

@@ -88,11 +88,14 @@ static void wait_for_helpers(team* t) {
     do {
         if (all_done(t)) return;
     } while (now_ns() - begin < LOOK_NS);
-    pool_reset_done(t->pool);
-    __atomic_store_n(&t->sleeping, 1, __ATOMIC_SEQ_CST);
-    // The last piece may have ended just before; nobody signals then.
-    if (all_done(t) && __atomic_exchange_n(&t->sleeping, 0, __ATOMIC_SEQ_CST) == 1) return;
-    pool_wait_done(t->pool, 1);
+    // A helper that was held up behind the last piece of an earlier stage may signal in this one.
+    while (!all_done(t)) {
+        pool_reset_done(t->pool);
+        __atomic_store_n(&t->sleeping, 1, __ATOMIC_SEQ_CST);
+        // The last piece may have ended just before; nobody signals then.
+        if (all_done(t) && __atomic_exchange_n(&t->sleeping, 0, __ATOMIC_SEQ_CST) == 1) return;
+        pool_wait_done(t->pool, 1);
+    }
 }
 
 static void call_helpers(team* t) {

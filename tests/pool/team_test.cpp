@@ -10,7 +10,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <functional>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -122,6 +124,11 @@ TEST(FreeCores, AreThoseThatNobodyElseUses) {
     ASSERT_EQ(sched_getaffinity(0, sizeof allowed, &allowed), 0);
     EXPECT_GE(free_cores(), 1);
     EXPECT_LE(free_cores(), CPU_COUNT(&allowed));
+    std::string load;
+    std::getline(std::ifstream("/proc/loadavg"), load);
+    if (load.find('/') == std::string::npos || load.find(" 0/") != std::string::npos) {
+        GTEST_SKIP() << "the system does not tell what is running";
+    }
     const long cores = sysconf(_SC_NPROCESSORS_ONLN);
     std::vector<pid_t> loops;
     for (long i = 0; i < cores; ++i) {
