@@ -157,8 +157,8 @@ IMAGEBLEND_API int32_t vorn_verify_icon_pos(const uint8_t* mask_data, int32_t wi
  * Returns 0 on success. Returns -1 with `output` untouched or a plain copy of the destination when
  * the zoomed object is larger than the destination, when the sizes differ, or when memory runs out.
  * Memory: about 4.5 bytes for every pixel of the zoomed rectangle, 3 more when zoom is not 1, and
- * one for every pixel of the object's box; working rows, 216 of the rectangle's width with threads
- * and 54 without. An angle takes no more.
+ * one for every pixel of the object's box; working rows, 36 of the rectangle's width for each thread
+ * and, when zoom is not 1, 32 of that width and 12 of the box's. An angle takes no more.
  * Where the output shares memory with the icon or, other than pixel for pixel, with the
  * destination, 6 bytes for every pixel of the rectangle come on top. A call that fails because the
  * zoomed object is too large does not give back the object's mask, nor, with an angle, 4 bytes for

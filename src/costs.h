@@ -26,7 +26,7 @@ enum { PIECE_US = 6 };
 // A piece has a multiple of this many rows: it works out up to four more.
 enum { PIECE_ROWS = 16 };
 
-// Turning a pixel takes about twice as long as blending it, copying one a fifth of that.
+// Turning a pixel takes about twice as long as blending it, copying one a fifth as long.
 enum { TURNED_PIXEL_COST = 2, COPIED_PIXELS_A_COST = 5 };
 
 // A turned row fetches what the row this far below it will read.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Rotation of a frame and its mask about the object's centre.
+// How an angle turns a frame about the object's centre, and the mask when it is turned.
 #ifndef IMAGEBLEND_API_ROTATION_H
 #define IMAGEBLEND_API_ROTATION_H
 

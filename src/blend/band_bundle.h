@@ -4,7 +4,7 @@
 // A bundle walks its band row by row of the coarser level and runs its kernels on each in turn, so
 // that what one kernel leaves for the next stays in the cache: no expanded plane and no 16-bit
 // plane is ever whole in memory. A band may be the first and the last of its level, and as short as
-// one row; it filters three finer rows besides its own.
+// one row; it filters up to four finer rows besides its own.
 #ifndef IMAGEBLEND_BLEND_BAND_BUNDLE_H
 #define IMAGEBLEND_BLEND_BAND_BUNDLE_H
 

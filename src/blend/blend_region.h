@@ -15,7 +15,7 @@
 //   turn      what `src` is turned by before the box is cut from it, or null
 //
 // A box of no size leaves a copy of `dst`. At its end the call frees the rotated icon, if there is
-// one. Returns 0, or -1 with `out` untouched when memory runs out.
+// one. Returns 0, or -1 with `out` untouched or a copy of `dst` when memory runs out.
 int32_t blend_region(const blend_image* src, const blend_image* dst, const uint8_t* mask,
                      const blend_image* out, const blend_box* box, const rotation* turn);
 

@@ -87,7 +87,7 @@ typedef struct turned_row {
     int32_t frame_width, frame_height;
     const uint8_t* frame;
     ptrdiff_t ahead;  // from a pixel to one that a row soon to come takes, in pixels
-    int32_t phase;    // 0..3, another one in the next row
+    int32_t phase;    // 0..3: which of four pixels is fetched ahead, where the path chooses
 } turned_row;
 
 // Linear interpolation between two rows, dst = ((128 - weight) s0 + weight s1 + 64) >> 7.
