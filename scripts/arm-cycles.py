@@ -15,6 +15,7 @@ OPERATIONS = {
     "reduce_row_c3": (48, 14), "reduce_row_c1": (16, 14), "expand_row_c3": (32, 10),
     "reduce_column": (48, 16), "merge_even": (48, 16), "merge_odd": (48, 16), "mix_rows": (48, 16),
     "resample_row_c3": (12, 4), "pack_rgb": (48, 16), "unpack_rgb": (64, 16),
+    "turn_rgb": (24, 8),
 }
 CORES = ["cortex-a55", "neoverse-n1"]
 NOTED = ["ld3", "ld4", "st3", "st4", "tbl", "uhadd", "urhadd", "umull", "umlal", "rshrn"]

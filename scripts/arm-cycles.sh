@@ -11,7 +11,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 # As the release build, less what adds no instruction to a loop.
 cd "$work"
-$CXX -std=c++17 -O3 -fno-unroll-loops -fPIC -fno-exceptions -fno-rtti -fno-threadsafe-statics \
-    -fno-asynchronous-unwind-tables -I"$root/src" -S \
+$CXX -std=c++17 -O3 -ffp-contract=off -fno-unroll-loops -fPIC -fno-exceptions -fno-rtti \
+    -fno-threadsafe-statics -fno-asynchronous-unwind-tables -I"$root/src" -S \
     "$root"/src/kernels/arm/neon_*.cpp
 python3 "$root/scripts/arm-cycles.py" llvm-mca-19 neon_*.s
