@@ -53,11 +53,12 @@ export class Blender {
     setPhoto(photo) {
         const core = this.#live;
         const { data, width, height } = checkPicture("photo", photo);
+        const pixels = core.outside(data);
         if (this.#photo?.width !== width || this.#photo.height !== height) {
             this.#forgetPhoto();
             this.#photo = new Photo(core, width, height);
         }
-        this.#photo.fill(data);
+        this.#photo.fill(pixels);
         this.#pending = this.#photo.whole;
     }
 

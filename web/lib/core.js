@@ -44,6 +44,11 @@ export class Core {
         return this.#words;
     }
 
+    /** A caller's data, copied if they are a view of this memory, which may move or be freed. */
+    outside(data) {
+        return data.buffer === this.#exports.memory.buffer ? new Uint8Array(data) : data;
+    }
+
     /** An address that is a multiple of 16. */
     alloc(bytes) {
         // More than the module can address must not wrap around.

@@ -77,13 +77,13 @@ function cutSoft(core, source, options, box) {
     }
 }
 
-export async function cutOut(object, options = {}) {
+export async function cutOut(object, options) {
     const checked = checkObjectOptions(options);
     return withCore((core) => {
         const source = loadSource(core, object);
         try {
             const box = findBox(core, source);
-            return options.soft ? cutSoft(core, source, checked, box) : cutHard(core, source);
+            return options?.soft ? cutSoft(core, source, checked, box) : cutHard(core, source);
         } finally {
             freeSource(core, source);
         }

@@ -36,16 +36,18 @@ function alphaOf(core, image) {
 export function loadSource(core, object) {
     const { picture, mask, own } = readSource(object);
     const { width, height } = picture;
-    const loaded = { picture: core.newImage(width, height, 4), mask: null, own };
+    const pixels = core.outside(picture.data), levels = core.outside(mask);
+    const loaded = { picture: null, mask: null, own };
     try {
+        loaded.picture = core.newImage(width, height, 4);
         loaded.mask = core.newImage(width, height, 1);
+        alphaFirst(wordsOf(pixels), wordsIn(core, loaded.picture));
+        bytesIn(core, loaded.mask).set(levels);
+        return loaded;
     } catch (error) {
-        core.freeImage(loaded.picture);
+        freeSource(core, loaded);
         throw error;
     }
-    alphaFirst(wordsOf(picture.data), wordsIn(core, loaded.picture));
-    bytesIn(core, loaded.mask).set(mask);
-    return loaded;
 }
 
 export function freeSource(core, source) {
@@ -53,8 +55,8 @@ export function freeSource(core, source) {
     core.freeImage(source.mask);
 }
 
-export function checkObjectOptions(options = {}) {
-    const { fit = true, grow = 0 } = options;
+export function checkObjectOptions(options) {
+    const { fit = true, grow = 0 } = options ?? {};
     return { fit: Boolean(fit), grow: checkNumber("grow", grow, -16, 16) };
 }
 

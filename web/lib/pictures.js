@@ -27,7 +27,8 @@ export function checkPicture(name, picture) {
 
 /** The pixels as words, red in the lowest byte. */
 export function wordsOf(data) {
-    const bytes = data.byteOffset % 4 === 0 ? data : data.slice();
+    // Not slice, by which a Buffer stays where it is.
+    const bytes = data.byteOffset % 4 === 0 ? data : new Uint8Array(data);
     return new Uint32Array(bytes.buffer, bytes.byteOffset, bytes.length / 4);
 }
 

@@ -55,16 +55,20 @@ test("a blend does not depend on those before, and dirty covers what has changed
 });
 
 test("inputs stay, and may be views at any address", async () => {
-    const shift = ({ data, width, height }) => {
-        const bytes = new Uint8Array(data.length + 3).subarray(3);
-        bytes.set(data);
-        return { data: bytes, width, height };
-    };
-    const given = { picture: shift(vase.picture), mask: shift(mask) };
-    const result = await blend(given, shift(glass), { x: 120, y: 90, zoom: 0.8 });
-    assertSame(result, await blend(vase, glass, { x: 120, y: 90, zoom: 0.8 }), "views");
-    assertSame(given.picture, vase.picture, "the picture");
-    assert.deepEqual(given.mask.data, shift(mask).data);
+    const kinds = [(size) => new Uint8Array(size), (size) => new Uint8ClampedArray(size),
+        (size) => Buffer.alloc(size)];
+    for (const make of kinds) {
+        const shift = ({ data, width, height }) => {
+            const bytes = make(data.length + 3).subarray(3);
+            bytes.set(data);
+            return { data: bytes, width, height };
+        };
+        const given = { picture: shift(vase.picture), mask: shift(mask) };
+        const result = await blend(given, shift(glass), { x: 120, y: 90, zoom: 0.8 });
+        assertSame(result, await blend(vase, glass, { x: 120, y: 90, zoom: 0.8 }), "views");
+        assertSame(given.picture, vase.picture, "the picture");
+        assert.deepEqual(given.mask.data, shift(mask).data);
+    }
     const asPicture = (channel) => ({ width: 160, height: 120,
         data: Uint8Array.from({ length: 160 * 120 * 4 },
             (_, i) => (channel(i & 3) ? mask.data[i >> 2] : 255)) });
@@ -72,6 +76,27 @@ test("inputs stay, and may be views at any address", async () => {
         const own = await blend({ picture: vase.picture, mask: asPicture(channel) }, photo,
             { x: 120, y: 90 });
         assertSame(own, await blend(vase, photo, { x: 120, y: 90 }), `a mask in ${what}`);
+    }
+});
+
+test("a Blender's own view is picture, mask and photo, though the memory grows", async () => {
+    const onto = picture(2, 600, 450), { width, height } = onto, place = { x: 300, y: 200 };
+    const levels = { width, height, data: onto.data.slice(0, width * height) };
+    for (const [name, object, own] of [
+        ["picture", { picture: onto, mask: ellipse(width, height, 300, 220, 90, 70) },
+            (view, object) => ({ ...object, picture: view })],
+        ["mask", { picture: onto, mask: levels }, (view, object) => ({ ...object,
+            mask: { width, height, data: view.data.subarray(0, width * height) } })],
+    ]) {
+        const blender = await Blender.create();
+        blender.setPhoto(onto);
+        const { memory } = blender;
+        blender.setObject(own(blender.clear(), object));
+        assert.ok(blender.memory > memory, "the memory has grown");
+        assertSame(blender.blend(place), await blend(object, onto, place), `as ${name}`);
+        const top = { width, height: 60, data: onto.data.slice(0, 4 * width * 60) };
+        blender.setPhoto({ ...top, data: blender.clear().data.subarray(0, 4 * width * 60) });
+        assertSame(blender.clear(), top, "as photo");
     }
 });
 
@@ -124,6 +149,9 @@ test("every argument that does not fit is an error with its code", async () => {
         ["argument", () => new Blender()],
     ];
     for (const [code, call] of cases) assert.throws(call, failsWith(code), String(call));
+    blender.setObject(vase, null);
+    assertSame(await blend(vase, photo, place, null), before, "null is no options");
+    assertSame(await cutOut(vase, null), await cutOut(vase), "null is no options");
     await assert.rejects(blend(vase, { ...photo, height: 1 }, place), failsWith("size"));
     await assert.rejects(blend(vase, photo, { x: 1e8, y: 0 }), failsWith("refused"));
     await assert.rejects(blend({ picture: photo, mask: ellipse(240, 180, 120, 90, 119, 89) },
