@@ -7,11 +7,16 @@ import { findReach } from "./outline.js";
 const WIDEST_SURROUNDINGS = 32, LARGEST_REACH = 256, AUTO = -1;
 // Positions beyond these would leave the module's integers.
 const FARTHEST = 1e9, LARGEST_ROOM = 1e6;
+// What lies farther than this beyond the photo and its surroundings changes nothing in the photo.
+const WIDEST_BORDER = 64;
 
 export function checkPlacement(placement) {
     const { x, y, zoom = 1, angle = 0 } = placement ?? {};
     checkNumber("zoom", zoom);
-    if (!(Math.fround(zoom) > 0)) fail("argument", `zoom is ${zoom}, must be above 0`);
+    const factor = Math.fround(zoom);
+    if (!(factor > 0 && factor < Infinity)) {
+        fail("argument", `zoom is ${zoom}, must be above 0 and below 2^128`);
+    }
     return {
         x: checkNumber("x", x, -FARTHEST, FARTHEST),
         y: checkNumber("y", y, -FARTHEST, FARTHEST),
@@ -51,12 +56,12 @@ function windowAround(extent, room) {
         height: Math.ceil(extent.bottom) + room - top };
 }
 
-// What of it lies in a photo whose corner is at -corner, with room around.
-function clampWindow(window, photo, corner, room) {
-    const left = Math.max(window.left, -room - corner.x);
-    const top = Math.max(window.top, -room - corner.y);
-    const right = Math.min(window.left + window.width, photo.width + room - corner.x);
-    const bottom = Math.min(window.top + window.height, photo.height + room - corner.y);
+// What of it lies in a photo whose corner is at -corner, with a border around.
+function clampWindow(window, photo, corner, border) {
+    const left = Math.max(window.left, -border - corner.x);
+    const top = Math.max(window.top, -border - corner.y);
+    const right = Math.min(window.left + window.width, photo.width + border - corner.x);
+    const bottom = Math.min(window.top + window.height, photo.height + border - corner.y);
     return { left, top, width: right - left, height: bottom - top };
 }
 
@@ -144,7 +149,10 @@ export class Layers {
         const reach =
             options.mode === "prepared" && object.findings.surroundings ? options.reach : 0;
         // Surroundings fade towards the end of their picture too, which must not be the window's.
-        const widest = widestOf(reach), room = 2 * widest + 2 + Math.ceil(place.zoom / 2);
+        const widest = widestOf(reach), enlarged = Math.ceil(place.zoom / 2);
+        // An enlarged pixel at the object's edge reaches beyond its outline.
+        const room = 2 * widest + 2 + enlarged;
+        const border = 2 * widest + 2 + Math.min(enlarged, WIDEST_BORDER);
         const whole = { x: Math.floor(place.x), y: Math.floor(place.y) };
         const near = { ...place, x: place.x - whole.x, y: place.y - whole.y };
         const { image, outline } = object.shape(options.mode);
@@ -152,7 +160,7 @@ export class Layers {
         let key = [options.mode, reach, place.zoom, place.angle, near.x, near.y].join();
         if (window.width * window.height > 4 * photo.width * photo.height) {
             // Of a very large object only what the photo shows.
-            window = clampWindow(window, photo, whole, room);
+            window = clampWindow(window, photo, whole, border);
             if (window.width < 1 || window.height < 1) return null;
             key += [",", whole.x, whole.y, photo.width, photo.height].join();
         }

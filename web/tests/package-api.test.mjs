@@ -143,6 +143,7 @@ test("every argument that does not fit is an error with its code", async () => {
         ["argument", () => blender.blend({ x: "120", y: 90 })],
         ["argument", () => blender.blend({ ...place, zoom: 0 })],
         ["argument", () => blender.blend({ ...place, zoom: 1e-60 })],
+        ["argument", () => blender.blend({ ...place, zoom: 1e39 })],
         ["argument", () => blender.verify({ ...place, angle: Infinity })],
         ["argument", () => blender.blend(place, { mode: "asis" })],
         ["argument", () => blender.blend(place, { surroundings: 257 })],
@@ -255,6 +256,19 @@ test("without memory a call fails and others go on; calls leave nothing behind",
             await assert.rejects(blend(vase, photo, { x: -900, y: 0 }), failsWith("refused"));
         }`]);
     assert.equal(run.status, 0, run.stderr.toString());
+});
+
+test("a large zoom needs no more memory than the photo's size asks for", async () => {
+    const { blender } = await scene();
+    for (const surroundings of [0, "auto"]) {
+        for (const zoom of [40, 300, 5e3, 1e5, 1e9, 1e38]) {
+            const place = { x: 120, y: 90, zoom, angle: 5 };
+            assert.equal(blender.verify(place, { surroundings }), "cut");
+            const shown = blender.blend(place, { surroundings });
+            assert.deepEqual(difference(shown, photo), { left: 0, top: 0, width: 240, height: 180 });
+        }
+    }
+    assert.ok(blender.memory < 2 ** 23, `${blender.memory} bytes`);
 });
 
 test("views are made anew when the memory has grown", async () => {
