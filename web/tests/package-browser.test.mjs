@@ -77,7 +77,8 @@ before(async () => {
     if (!chromium) return;
     await new Promise((started) => server.listen(0, "127.0.0.1", started));
     address = `http://127.0.0.1:${server.address().port}`;
-    browser = await puppeteer.launch({ executablePath: chromium, args: ["--no-sandbox"] });
+    browser = await puppeteer.launch({ executablePath: chromium, args: ["--no-sandbox"],
+        timeout: 120000, protocolTimeout: 120000 });
 });
 after(async () => {
     await browser?.close();
@@ -87,8 +88,8 @@ after(async () => {
 async function show(name) {
     const tab = await browser.newPage(), errors = [];
     tab.on("pageerror", (error) => errors.push(error.message));
-    await tab.goto(`${address}/${name}`);
-    await tab.waitForFunction(() => document.title === "done", { timeout: 20000 })
+    await tab.goto(`${address}/${name}`, { timeout: 120000 });
+    await tab.waitForFunction(() => document.title === "done", { timeout: 120000 })
         .catch((error) => assert.fail(`${name}: ${errors.join() || error.message}`));
     const [width, height, text] = await tab.evaluate(() => {
         const canvas = document.querySelector("canvas");
