@@ -46,7 +46,15 @@ need_packages() {
 
 # Node may be any from version 18 on that is in the path, and so may npm.
 has_node() { [ "$(node -p 'parseInt(process.versions.node) >= 18' 2>/dev/null)" = true ]; }
-need_node() { has_node || need_packages nodejs; }
+need_node() {
+    has_node && return 0
+    need_packages nodejs || return 1
+    hash -r
+    has_node && return 0
+    echo "${0##*/}: $(command -v node || echo node) is older than version 18; put a newer one" \
+        "before it in the path" >&2
+    return 1
+}
 need_npm() { npm --version >/dev/null 2>&1 || need_packages npm; }
 
 # What the tests of the npm package need beside a browser.
