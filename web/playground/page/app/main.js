@@ -10,8 +10,12 @@ import { inWords } from "./messages.js";
 import { Notice } from "./notice.js";
 import { Page } from "./page.js";
 import { Sources } from "./sources.js";
+import { Stage } from "./stage.js";
 
 const byId = (id) => document.getElementById(id);
+
+/** Whether a dialog keeps the page behind it from being used. */
+const isBehindDialog = () => document.querySelector("dialog[open]") !== null;
 
 function connectObject(page) {
     const { picture, handle, object } = page.stage;
@@ -35,7 +39,7 @@ function connectObject(page) {
 function connectSteps(page) {
     addEventListener("keydown", (event) => {
         const step = stepByKey(event);
-        if (!step || !page.scene) return;
+        if (!step || !page.scene || isBehindDialog()) return;
         event.preventDefault();
         page.step(step);
     });
@@ -48,7 +52,10 @@ function connectSources(page, sources) {
     for (const kind of ["photo", "object"]) {
         choose(byId(`${kind}-choose`), byId(`${kind}-file`), (file) => sources.take(kind, file));
     }
-    dropZones(byId("drop"), (kind, file) => sources.take(kind, file));
+    dropZones(byId("drop"), {
+        take: (kind, file) => sources.take(kind, file),
+        isClosed: isBehindDialog,
+    });
     byId("object-paint").addEventListener("click", () => page.scene && sources.paint());
     for (const button of document.querySelectorAll("[data-example]")) {
         button.addEventListener("click", () => sources.open(button.dataset.example));
@@ -62,6 +69,7 @@ async function start() {
     } catch (error) {
         console.error(error);
         new Notice().say(inWords({ code: "load" }));
+        new Stage().wait(null);
         return;
     }
     const page = new Page(engine);

@@ -3,6 +3,7 @@
 
 import { decode, scaleWithin, scaledSide } from "../engine/pictures.js";
 import { slide } from "./controls.js";
+import { stepByKey } from "./keys.js";
 import { maskBase } from "./mask-base.js";
 import { Strokes } from "./strokes.js";
 
@@ -63,6 +64,7 @@ export class Painter {
         this.size.addEventListener("input", () => this.#showTools());
         byId("painter-undo").addEventListener("click", () => this.#undo());
         byId("painter-clear").addEventListener("click", () => {
+            this.#lift();
             this.strokes.clear();
             this.#showTools();
         });
@@ -70,9 +72,8 @@ export class Painter {
         byId("painter-use").addEventListener("click", () => this.#use());
         dialog.addEventListener("close", () => this.#finish(null));
         dialog.addEventListener("keydown", (event) => {
-            if (!(event.ctrlKey || event.metaKey) || event.key.toLowerCase() !== "z") return;
+            if (stepByKey(event) !== "undo") return;
             event.preventDefault();
-            event.stopPropagation();
             this.#undo();
         });
     }
@@ -157,6 +158,7 @@ export class Painter {
     }
 
     #undo() {
+        this.#lift(); // what is left of the stroke is not to extend the one before
         this.strokes.undo();
         this.#showTools();
     }
@@ -167,6 +169,7 @@ export class Painter {
     }
 
     #finish(result) {
+        this.#lift();
         this.done?.(result);
         this.done = null;
         this.strokes = null;
