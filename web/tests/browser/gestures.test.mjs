@@ -4,7 +4,7 @@
 import assert from "node:assert/strict";
 import { after, afterEach, before, beforeEach, describe, test } from "node:test";
 import { closePage, middleOf, missing, noticeOf, openPage, screenshot, settled, shown, shownOnce,
-    startBrowser } from "./browser.mjs";
+    slide, startBrowser } from "./browser.mjs";
 
 /** Pixels of the photo for each of the screen. */
 const photoScale = (page) => page.$eval("#picture", (picture) => 1280 / picture.clientWidth);
@@ -67,6 +67,29 @@ describe("the object", { skip: missing() }, () => {
         assert.deepEqual([larger.placement.x, larger.placement.y], [placement.x, placement.y]);
         await page.mouse.wheel({ deltaY: 200 });
         await shownOnce(page, ({ placement: { zoom } }) => zoom < placement.zoom * 0.9);
+    });
+
+    test("grows in the smallest steps from any size", async () => {
+        const zoomAfter = async (start, act, factor) => {
+            await slide(page, "#size", start);
+            const { placement: { zoom } } = await settled(page);
+            await act();
+            await shownOnce(page, (scene) => scene.placement.zoom > zoom * 1.01);
+            near((await settled(page)).placement.zoom / zoom, factor, 0.01 * factor);
+        };
+        await page.focus("#object");
+        await zoomAfter(0, async () => {
+            for (let step = 0; step < 20; step++) await page.keyboard.press("+");
+        }, 1.02 ** 20);
+        const turnWheel = (deltaY) => () => page.evaluate((deltaY) => {
+            for (let step = 0; step < 500; step++) {
+                document.getElementById("object").dispatchEvent(
+                    new WheelEvent("wheel", { deltaY, bubbles: true, cancelable: true }));
+            }
+        }, deltaY);
+        for (const pixels of [1, 0.1]) {
+            await zoomAfter(490, turnWheel(-pixels), 1.0015 ** (500 * pixels));
+        }
     });
 
     test("turns by its handle, in steps with shift", async () => {

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 // Where an object stands: { x, y, zoom, angle } in pixels of the photo at full size, the scale of
 // the object at full size, and degrees counter-clockwise. x and y are whole pixels, which blend
-// fastest; zoom and angle are kept in steps that the page can print.
+// fastest. A zoom has six digits, so that the smallest moves of a wheel add up at any size; an
+// angle is kept in tenths.
 
 export const SMALLEST_ZOOM = 0.01;
 export const LARGEST_ZOOM = 10;
@@ -29,7 +30,7 @@ export function spread(object, placement) {
 
 /** The placement in its steps and ranges, so that the object cannot get lost outside. */
 export function settle(placement, photo, object) {
-    const zoom = clamp(Math.round(placement.zoom * 1000) / 1000, SMALLEST_ZOOM, LARGEST_ZOOM);
+    const zoom = clamp(Number(placement.zoom.toPrecision(6)), SMALLEST_ZOOM, LARGEST_ZOOM);
     const angle = wrapAngle(Math.round(placement.angle * 10) / 10);
     const { width, height } = spread(object, { zoom, angle });
     const room = BEYOND * Math.max(photo.width, photo.height);
