@@ -2,12 +2,12 @@
 // Files that are dropped, chosen and broken; masks that are painted.
 
 import assert from "node:assert/strict";
-import { readFileSync, writeFileSync } from "node:fs";
+import { readFileSync, rmSync, writeFileSync } from "node:fs";
 import { join } from "node:path";
 import { after, afterEach, before, beforeEach, describe, test } from "node:test";
-import { choose, closePage, download, middleOf, missing, noticeOf, openPage, pause, screenshot,
-    settled, shown, shownOnce, startBrowser } from "./browser.mjs";
-import { cutOutDisc, drawn, ground, writePng } from "./files.mjs";
+import { canvasPixels, choose, closePage, download, middleOf, missing, noticeOf, openPage, pause,
+    screenshot, settled, shown, shownOnce, startBrowser } from "./browser.mjs";
+import { cutOutDisc, difference, drawn, ground, writePng } from "./files.mjs";
 
 /** Drags a file over the page and drops it on a zone. */
 async function drop(page, kind, name, bytes, type = "image/png") {
@@ -18,8 +18,11 @@ async function drop(page, kind, name, bytes, type = "image/png") {
         const send = (target, event) => target.dispatchEvent(new DragEvent(event,
             { dataTransfer: data, bubbles: true, cancelable: true }));
         send(document.body, "dragenter");
+        send(document.body, "dragleave"); // as some browsers do, without saying where to
+        send(document.body, "dragover");
         const zone = document.querySelector(`.zone[data-kind=${kind}]`);
-        if (zone.getClientRects().length === 0) throw new Error("the zones are not shown");
+        const open = document.querySelector("dialog[open]") !== null;
+        if (open === zone.getClientRects().length > 0) throw new Error("the zones are wrong");
         send(zone, "dragover");
         send(zone, "drop");
     }, kind, name, bytes.toString("base64"), type);
@@ -139,6 +142,54 @@ describe("files", { skip: missing() }, () => {
         });
     });
 
+    test("a stroke that is taken back while it is drawn is over", async () => {
+        await page.click("#object-paint");
+        await page.waitForSelector("#painter[open]");
+        const { x, y } = await middleOf(page, "#painter-paint");
+        const marked = () => page.$eval("#painter-paint", (canvas) => canvas.getContext("2d")
+            .getImageData(0, 0, canvas.width, canvas.height).data.some((value) => value > 0));
+        for (const take of [
+            () => page.$eval("#painter-clear", (button) => button.click()),
+            async () => {
+                await page.keyboard.down("Control");
+                await page.keyboard.press("z");
+                await page.keyboard.up("Control");
+            },
+        ]) {
+            await page.mouse.move(x - 60, y);
+            await page.mouse.down();
+            await page.mouse.move(x, y, { steps: 3 });
+            await take();
+            await page.mouse.move(x + 60, y, { steps: 3 });
+            await page.mouse.up();
+            assert.equal(await marked(), false);
+        }
+        await page.keyboard.press("Escape");
+    });
+
+    test("behind the painter nothing changes, by keys or drops", async () => {
+        await page.focus("#object");
+        await page.keyboard.press("ArrowLeft");
+        const before = await shownOnce(page, ({ placement: { x } }) => x === 749);
+        await page.click("#undo");
+        const undone = await shownOnce(page, ({ placement: { x } }) => x === 750);
+        await page.click("#object-paint");
+        await page.waitForSelector("#painter[open]");
+        await page.keyboard.down("Control");
+        await page.keyboard.press("y");
+        await page.keyboard.down("Shift");
+        await page.keyboard.press("Z");
+        await page.keyboard.up("Shift");
+        await page.keyboard.up("Control");
+        await drop(page, "photo", "sea.png", readFileSync(file("sea.png", ground(640, 800))));
+        await pause(300);
+        assert.deepEqual(await settled(page), undone);
+        await page.keyboard.press("Escape");
+        await page.waitForSelector("#painter:not([open])");
+        await page.click("#redo");
+        await shownOnce(page, ({ placement: { x } }) => x === before.placement.x);
+    });
+
     test("painting that is given up leaves the scene as it was", async () => {
         const before = await shown(page);
         await page.click("#object-paint");
@@ -153,5 +204,64 @@ describe("files", { skip: missing() }, () => {
         const { name, bytes } = await download(page, place.folder);
         assert.equal(name, "lake-blended.jpg");
         assert.deepEqual([...bytes.subarray(0, 3)], [0xff, 0xd8, 0xff]);
+    });
+});
+
+describe("a page that something fails for", { skip: missing() }, () => {
+    let place;
+
+    before(async () => (place = await startBrowser({ prefix: "/" })));
+    after(() => place.close());
+
+    test("shows the old scene again after a photo that does not fit the memory", async () => {
+        const page = await openPage(place, { prepare: (page) => page.evaluateOnNewDocument(() => {
+            delete HTMLCanvasElement.prototype.transferControlToOffscreen;
+        }) });
+        const before = await canvasPixels(page);
+        // The blender lets go of the old photo before it finds that the new one does not fit.
+        await page.evaluate(async () => {
+            const { Blender } = await import(new URL("imageblend/index.js", location.href).href);
+            const { setPhoto } = Blender.prototype;
+            Blender.prototype.setPhoto = function (photo) {
+                if (photo.width !== 640) return setPhoto.call(this, photo);
+                setPhoto.call(this, new ImageData(1, 1));
+                throw Object.assign(new Error("too large"), { code: "memory" });
+            };
+        });
+        const sea = writePng(join(place.folder, "sea.png"), ground(640, 800));
+        await choose(page, "photo", sea);
+        assert.match(await noticeOf(page), /not enough memory for “sea\.png”/);
+        await page.click("#notice-close");
+        await page.focus("#object");
+        await page.keyboard.press("ArrowLeft");
+        await page.keyboard.press("ArrowRight");
+        await shownOnce(page, ({ placement: { x } }) => x === 750);
+        await pause(300);
+        assert.equal(difference(await canvasPixels(page), before), null);
+        await closePage(page);
+    });
+
+    test("takes a photo and an object one by one where no example can be fetched", async () => {
+        const page = await place.browser.newPage();
+        const faults = [];
+        page.on("pageerror", (error) => faults.push(error.message));
+        rmSync(join(place.folder, "page", "examples"), { recursive: true });
+        await page.goto(place.address);
+        const words = (wanted) => page.waitForFunction((wanted) =>
+            document.getElementById("verdict").textContent === wanted, {}, wanted);
+        assert.match(await noticeOf(page), /could not be loaded/);
+        await words("No picture");
+        await page.click("#compare");
+        assert.equal(await page.$eval("#compare", (button) => button.ariaPressed), "false");
+        const disc = writePng(join(place.folder, "disc.png"), cutOutDisc(200));
+        await choose(page, "object", disc);
+        await words("No photo yet");
+        const sea = writePng(join(place.folder, "sea.png"), ground(640, 800));
+        await choose(page, "photo", sea);
+        const { photo, object } = await shownOnce(page, ({ photo }) => photo === "sea.png");
+        assert.deepEqual([photo, object], ["sea.png", "disc.png"]);
+        await words("Fits");
+        assert.deepEqual(faults, []);
+        await page.close();
     });
 });

@@ -50,8 +50,8 @@ export class Controls {
             : "A cut-out has nothing around it.";
         this.#slide(this.surroundings, object.surroundings ? surroundings : 0,
             surroundings && object.surroundings ? `${surroundings} px` : "none");
-        this.#source("photo", photo);
-        this.#source("object", object);
+        this.showSource("photo", photo);
+        this.showSource("object", object);
     }
 
     #slide(slider, value, words) {
@@ -61,7 +61,8 @@ export class Controls {
         byId(`${slider.id}-value`).textContent = words;
     }
 
-    #source(kind, { name, thumbnail }) {
+    /** Shows what is the "photo" or the "object". */
+    showSource(kind, { name, thumbnail }) {
         const canvas = byId(`${kind}-thumb`);
         byId(`${kind}-name`).textContent = name;
         byId(`${kind}-name`).title = name;

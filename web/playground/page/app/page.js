@@ -27,6 +27,7 @@ export class Page {
         this.wipe = new Wipe(document.getElementById("compare"), {
             before: () => engine.before(),
             begin: () => this.stage.select(false),
+            fail: (error) => this.notice.say(inWords(error, this.scene.photo.name)),
         });
         this.controls = new Controls({
             current: () => this.scene,
@@ -45,21 +46,21 @@ export class Page {
         scene.placement = settle(scene.placement, scene.photo, scene.object);
         if (this.scene && sameScene(scene, this.scene)) return;
         this.history.push(scene, kind);
-        this.#show();
+        this.show();
     }
 
     /** "undo" or "redo". */
     step(direction) {
         const before = this.scene;
         this.history[direction]();
-        if (this.scene !== before) this.#show();
+        if (this.scene !== before) this.show();
     }
 
     /** Shows the object as its mask cuts it out, or blended again. */
     showPlain(yes) {
         if (!this.scene || this.plain === yes) return;
         this.plain = yes;
-        this.#show();
+        this.show();
     }
 
     /** Saves the photo with the object at full size. */
@@ -89,8 +90,10 @@ export class Page {
         this.busy = yes;
     }
 
-    #show() {
+    /** Brings the scene, if there is one, to the picture and the panel. */
+    show() {
         const { scene } = this;
+        if (!scene) return;
         // The frame goes ahead of the picture, but not into one of another shape.
         if (this.drawnScene?.photo === scene.photo && this.drawnScene.object === scene.object) {
             this.stage.place(scene);

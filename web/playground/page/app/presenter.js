@@ -20,12 +20,21 @@ export class Presenter {
         this.drawing ??= this.#serially(() => this.#drawWanted());
     }
 
-    /** Hands a new photo, { file, name }, to the engine and returns it with what that found out. */
+    /**
+     * Hands a new photo, { file, name }, to the engine and returns it with what that found out. If
+     * that fails, show the old scene again.
+     */
     loadPhoto(source) {
         return this.#serially(async () => {
-            this.photo = { ...source, ...await this.engine.setPhoto({ file: source.file }) };
+            this.photo = { ...source, ...await this.#setPhoto(source) };
             return this.photo;
         });
+    }
+
+    /** What the engine found out. A photo that does not fit takes the one before with it. */
+    #setPhoto({ file }) {
+        this.photo = null;
+        return this.engine.setPhoto({ file });
     }
 
     /** The same for an object, { file, mask, name }. */
@@ -59,7 +68,7 @@ export class Presenter {
 
     async #draw({ photo, object, placement, surroundings, plain }) {
         if (photo !== this.photo) {
-            await this.engine.setPhoto({ file: photo.file });
+            await this.#setPhoto(photo);
             this.photo = photo;
         }
         if (object !== this.object) {

@@ -10,6 +10,7 @@ export class Sources {
     constructor(page) {
         this.page = page;
         this.painter = new Painter();
+        this.half = { surroundings: 0 }; // a scene in the making, before the first
     }
 
     /** Takes a file as "photo" or "object"; null is no file. */
@@ -47,15 +48,14 @@ export class Sources {
             await job();
         } catch (error) {
             notice.say(inWords(error, name));
+            this.page.show();
         } finally {
             stage.wait(null);
         }
     }
 
     async #takePhoto(source) {
-        const photo = await this.page.presenter.loadPhoto(source);
-        const { object } = this.page.scene;
-        this.page.change({ photo, placement: firstPlacement(photo, object) });
+        this.#place({ photo: await this.page.presenter.loadPhoto(source) });
     }
 
     async #takeObject(source) {
@@ -66,7 +66,7 @@ export class Sources {
             if (error.code !== "needs-mask") throw error;
             return this.#paint(source, false);
         }
-        this.#place(object, false);
+        this.#place({ object, surroundings: 0 });
     }
 
     /** With `stay` the object keeps its place, as it is the same with another mask. */
@@ -79,13 +79,21 @@ export class Sources {
         const object = await this.page.presenter.loadObject({
             file: source.file, name: source.name, mask: painted.mask,
         });
-        this.#place(object, stay);
+        if (stay) this.page.change({ object, surroundings: 0 });
+        else this.#place({ object, surroundings: 0 });
     }
 
-    #place(object, stay) {
-        const { photo, placement } = this.page.scene;
-        this.page.change({
-            object, placement: stay ? placement : firstPlacement(photo, object), surroundings: 0,
-        });
+    /** Puts a new photo or object in its first place, once there are both. */
+    #place(part) {
+        const { page } = this;
+        const scene = { ...page.scene ?? this.half, ...part };
+        const { photo, object } = scene;
+        if (photo && object) {
+            page.change({ ...scene, placement: firstPlacement(photo, object) });
+            return;
+        }
+        this.half = scene;
+        page.controls.showSource(photo ? "photo" : "object", photo ?? object);
+        page.stage.lacks(photo ? "object" : "photo");
     }
 }

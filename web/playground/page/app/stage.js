@@ -22,7 +22,7 @@ export class Stage {
         this.verdict = byId("verdict");
         this.readout = byId("readout");
         this.waiting = null;
-        this.standing = { verdict: "wait", words: "Loading" };
+        this.standing = { verdict: "wait", words: "No picture" };
     }
 
     /** Shows where the object is meant to stand. */
@@ -51,7 +51,14 @@ export class Stage {
         this.object.dataset.handle = inside ? "above" : "below";
     }
 
+    /** Says that there is nothing to draw yet without a "photo" or an "object". */
+    lacks(kind) {
+        this.standing = { verdict: "wait", words: `No ${kind} yet` };
+        this.#say();
+    }
+
     wants(scene) {
+        if (!this.picture.dataset.shows) this.standing = { verdict: "wait", words: "Loading" };
         this.picture.dataset.wants = summary(scene);
     }
 

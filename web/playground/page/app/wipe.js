@@ -2,9 +2,12 @@
 // Before and after: the photo alone, left of a divider that can be dragged.
 
 export class Wipe {
-    /** before() promises a bitmap of the photo; begin() is called when it is to be seen. */
-    constructor(button, { before, begin }) {
-        Object.assign(this, { button, before, begin });
+    /**
+     * before() promises a bitmap of the photo; begin() is called when it is to be seen, fail(error)
+     * when it cannot.
+     */
+    constructor(button, { before, begin, fail }) {
+        Object.assign(this, { button, before, begin, fail });
         this.canvas = document.getElementById("before");
         this.box = document.getElementById("wipe");
         this.divider = document.getElementById("divider");
@@ -18,17 +21,19 @@ export class Wipe {
     }
 
     toggle(on) {
+        if (on && !this.photo) return;
         this.button.setAttribute("aria-pressed", String(on));
         this.box.hidden = this.canvas.hidden = !on;
         this.#move();
         if (on) {
             this.begin();
-            return this.#load();
+            this.#load();
+            return;
         }
         this.canvas.width = this.canvas.height = 0; // lets go of its memory
     }
 
-    /** Says which photo the picture shows. */
+    /** Says which photo the picture shows; there is nothing to compare before. */
     show(photo) {
         if (photo === this.photo) return;
         this.photo = photo;
@@ -36,10 +41,15 @@ export class Wipe {
     }
 
     async #load() {
-        const bitmap = await this.before();
-        if (!this.on) return bitmap.close();
-        [this.canvas.width, this.canvas.height] = [bitmap.width, bitmap.height];
-        this.canvas.getContext("bitmaprenderer").transferFromImageBitmap(bitmap);
+        try {
+            const bitmap = await this.before();
+            if (!this.on) return bitmap.close();
+            [this.canvas.width, this.canvas.height] = [bitmap.width, bitmap.height];
+            this.canvas.getContext("bitmaprenderer").transferFromImageBitmap(bitmap);
+        } catch (error) {
+            this.toggle(false);
+            this.fail(error);
+        }
     }
 
     #move() {

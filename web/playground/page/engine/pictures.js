@@ -18,7 +18,10 @@ export function scratchCanvas(width, height) {
 /** Decodes a file; close() the bitmap when done. Error "unreadable". */
 export async function decode(file) {
     try {
-        return await createImageBitmap(file, { imageOrientation: "from-image" });
+        return await createImageBitmap(file, { imageOrientation: "from-image" }).catch((error) => {
+            if (error instanceof TypeError) return createImageBitmap(file); // knows no "from-image"
+            throw error;
+        });
     } catch {
         throw new PictureError("unreadable");
     }
