@@ -45,6 +45,13 @@ export function serve(folder, { port = 0, prefix = "/" } = {}) {
 
 if (process.argv[1] === fileURLToPath(import.meta.url)) {
     const [folder, port] = process.argv.slice(2);
-    const { address } = await serve(folder, { port: Number(port ?? 8080) });
-    console.log(`The playground is at ${address} until you press Ctrl+C.`);
+    try {
+        const { address } = await serve(folder, { port: Number(port ?? 8080) });
+        console.log(`The playground is at ${address} until you press Ctrl+C.`);
+    } catch (error) {
+        const reasons = { EADDRINUSE: "it is in use", ERR_SOCKET_BAD_PORT: "there is none such" };
+        const reason = reasons[error.code] ?? error.message;
+        console.error(`The playground cannot be served at port ${port ?? 8080}: ${reason}`);
+        process.exit(1);
+    }
 }
