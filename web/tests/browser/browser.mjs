@@ -17,6 +17,9 @@ const puppeteer = fromHere("../../node_modules/puppeteer-core");
 const screenshots =
     process.env.IMAGEBLEND_SCREENSHOTS ?? fromHere("../../../build-web/screenshots");
 
+/** Milliseconds: no wait is that long, so what takes longer hangs. */
+const LONGEST_WAIT = 120_000;
+
 /** The reason why nothing can be tested here, or false. */
 export function missing() {
     if (!existsSync(chromium)) return `${chromium} is not there`;
@@ -37,6 +40,7 @@ export async function startBrowser({ prefix = "/some/where/" } = {}) {
     const browser = await launch({
         executablePath: chromium,
         headless: true,
+        timeout: LONGEST_WAIT,
         args: [...switches, `--user-data-dir=${join(folder, "profile")}`],
     });
     const close = async () => {
@@ -52,6 +56,7 @@ export async function startBrowser({ prefix = "/some/where/" } = {}) {
 export async function openPage({ browser, address }, options = {}) {
     const { width = 1280, height = 800, touch = false, dark = false, prepare } = options;
     const page = await browser.newPage();
+    page.setDefaultTimeout(LONGEST_WAIT);
     page.faults = [];
     page.on("pageerror", (error) => page.faults.push(error.message));
     page.on("console", (line) => line.type() === "error" && page.faults.push(line.text()));
@@ -81,7 +86,7 @@ export async function settled(page) {
         const { wants, shows } = document.getElementById("picture").dataset;
         const busy = document.getElementById("picture").getAttribute("aria-busy") === "true";
         return wants !== undefined && wants === shows && !busy;
-    }, { polling: 10, timeout: 30_000 });
+    }, { polling: 10, timeout: LONGEST_WAIT });
     return shown(page);
 }
 
@@ -107,7 +112,7 @@ export const pause = (milliseconds) => new Promise((done) => setTimeout(done, mi
 
 /** The sentence over the picture, once there is one. */
 export async function noticeOf(page) {
-    await page.waitForSelector("#notice:not([hidden])");
+    await page.waitForSelector("#notice:not([hidden])", { timeout: LONGEST_WAIT });
     return page.$eval("#notice-text", (text) => text.textContent);
 }
 
@@ -154,10 +159,16 @@ export async function download(page, folder) {
     await client.send("Browser.setDownloadBehavior", {
         behavior: "allow", downloadPath: place, eventsEnabled: true,
     });
-    const done = new Promise((resolve) => client.on("Browser.downloadProgress",
-        ({ state }) => state === "completed" && resolve()));
-    await page.click("#download");
-    await done;
+    const done = new Promise((resolve, reject) => {
+        const limit = setTimeout(() => reject(new Error("no file comes")), LONGEST_WAIT);
+        client.on("Browser.downloadProgress", ({ state }) => {
+            if (state === "inProgress") return;
+            clearTimeout(limit);
+            if (state === "completed") resolve();
+            else reject(new Error(`the download is ${state}`));
+        });
+    });
+    await Promise.all([done, page.click("#download")]);
     const [name] = readdirSync(place);
     return { name, bytes: readFileSync(join(place, name)) };
 }

@@ -7,7 +7,7 @@ import { rmSync } from "node:fs";
 import { join } from "node:path";
 import { after, before, describe, test } from "node:test";
 import { canvasPixels, closePage, middleOf, missing, noticeOf, openPage, pause, screenshot,
-    shownOnce, slide, startBrowser } from "./browser.mjs";
+    settled, shown, shownOnce, slide, startBrowser } from "./browser.mjs";
 import { difference } from "./files.mjs";
 
 /** Counts layout shifts from the first paint on. */
@@ -42,6 +42,8 @@ const focused = (page) => page.evaluate(() => {
             getComputedStyle(element, "::before").borderTopWidth === "4px",
     };
 });
+
+const wordsOf = (page) => page.$eval("#verdict", (element) => element.textContent);
 
 /** The lowest contrast of text in the page with what is behind it. */
 const lowestContrast = (page) => page.evaluate(() => {
@@ -162,11 +164,27 @@ describe("the page", { skip: missing() }, () => {
         const scheme = dark ? "dark" : "light";
         test(`is easy to read, ${scheme}`, async () => {
             const page = await openPage(place, { dark });
-            const { ratio, text } = await lowestContrast(page);
-            assert.ok(ratio >= 4.5, `"${text}" has a contrast of ${ratio}`);
+            const check = async () => {
+                const { ratio, text } = await lowestContrast(page);
+                assert.ok(ratio >= 4.5, `"${text}" has a contrast of ${ratio}`);
+            };
+            await check();
             await screenshot(page, `opened ${scheme}`);
+            for (const [top, words] of [[0, /^Cut off/], [-300, /^Outside/]]) {
+                await page.focus("#object");
+                await page.keyboard.down("Shift");
+                while ((await shown(page)).placement.y > top) {
+                    const { placement: { y } } = await shown(page);
+                    await page.keyboard.press("ArrowUp");
+                    if ((await settled(page)).placement.y === y) break; // no further
+                }
+                await page.keyboard.up("Shift");
+                assert.match(await wordsOf(page), words);
+                await check();
+            }
             await page.click("#object-paint");
             await page.waitForSelector("#painter[open]");
+            await check();
             await screenshot(page, `painter ${scheme}`);
             await closePage(page);
         });
@@ -208,6 +226,12 @@ describe("the page", { skip: missing() }, () => {
         await closePage(usual);
         const page = await openPage(place, { prepare: (page) => page.evaluateOnNewDocument(() => {
             delete HTMLCanvasElement.prototype.transferControlToOffscreen;
+            // Some such browsers do not know this way to turn pictures upright either.
+            const decode = globalThis.createImageBitmap;
+            globalThis.createImageBitmap = async (source, options) => {
+                if (options?.imageOrientation === "from-image") throw new TypeError("no value");
+                return decode(source, options);
+            };
         }) });
         assert.equal(page.workers().length, 0);
         assert.equal(difference(await canvasPixels(page), expected), null);
@@ -222,10 +246,14 @@ describe("the page", { skip: missing() }, () => {
 
     test("says in words when the blend cannot be loaded", async () => {
         const broken = await startBrowser();
-        rmSync(join(broken.folder, "page", "imageblend", "imageblend.wasm"));
-        const page = await broken.browser.newPage();
-        await page.goto(broken.address);
-        assert.match(await noticeOf(page), /could not be loaded/);
-        await broken.close();
+        try {
+            rmSync(join(broken.folder, "page", "imageblend", "imageblend.wasm"));
+            const page = await broken.browser.newPage();
+            await page.goto(broken.address);
+            assert.match(await noticeOf(page), /could not be loaded/);
+            assert.equal(await wordsOf(page), "No picture");
+        } finally {
+            await broken.close();
+        }
     });
 });
