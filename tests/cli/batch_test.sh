@@ -205,6 +205,28 @@ terminal() {
     tr '\r' '\n' <screen | sed 's/\x1b\[K//g' >lines
     grep -q '^imageblend: seen.jsonl:1: seen/0000.png failed' lines &&
         grep -q '^imageblend: seen.jsonl: [0-9]* blended, 2 failed' lines || fail "a message beside the bar"
+    # One line of 7201 is done and the next job waits: half a second later an hour is left or more.
+    {
+        echo '{}'
+        echo '{"source":"never.png","destination":"black.png","output":"never-cut.png"}'
+        yes '{}' | head -n 7199
+    } >hours.jsonl
+    {
+        for _ in $(seq 200); do
+            ! grep -qE '[0-9]+:[0-9]+:[0-9]+ left' screen || break
+            sleep 0.02
+        done
+        timeout 9 sh -c ': >never.png' # the job ends
+    } &
+    script -qefc "'$tool' batch hours.jsonl --jobs 1" /dev/null >screen
+    wait $!
+    tr '\r' '\n' <screen | grep -F ' 1/7201 ' | grep -oE '[0-9:]+ left' >hours
+    awk -F '[: ]' '
+        { hours = NF == 4; left = hours ? ($1 * 60 + $2) * 60 + $3 : $1 * 60 + $2 }
+        (NR == 2 && left < 3600) || left < last || hours != (left >= 3600) || $(NF - 1) > 59 || $(NF - 2) > 59 ||
+            length($(NF - 1)) != 2 || (hours && length($2) != 2) { wrong = 1 }
+        { last = left }
+        END { exit wrong || NR < 2 }' hours || fail "time left: $(xargs <hours)"
 }
 
 groups reference lines report long_lines too_few_processes closed_streams lost_process terminal
