@@ -52,24 +52,39 @@ vips copy p3.png 'bare.jpg[Q=100,strip]'
     segment '\xe1' exif && segment '\xe1' xmp && segment '\xed' iptc && segment '\xe2' icc
     tail -c +3 bare.jpg
 } >photo.jpg
+# number ORDER BYTES VALUE: as TIFF data hold it, the last byte first where ORDER is II
+number() {
+    local place places
+    places=$(seq 0 $(($2 - 1)))
+    [ "$1" = II ] || places=$(seq $(($2 - 1)) -1 0)
+    for place in $places; do printf "\\x$(printf %02x $(($3 >> 8 * place & 255)))"; done
+}
+# entry ORDER TAG TYPE COUNT: what goes before a value
+entry() { number "$1" 2 "$2" && number "$1" 2 "$3" && number "$1" 4 "$4"; }
 # The same, taken with the camera on its side, with a thumbnail of one pixel in a second directory.
 # The first directory stands behind 256 bytes, so that no number is one byte alone.
 vips black dot.jpg'[strip]' 1 1
-{
-    printf 'Exif\0\0MM\0\x2a\0\0\1\x08%256s\0\2\1\x12\0\3\0\0\0\1\0\6\0\0\1\x3b\0\2\0\0\0\4Ann\0'
-    printf '\0\0\1\x26\0\2\2\1\0\4\0\0\0\1\0\0\1\x44\2\2\0\4\0\0\0\1\0\0\1%b\0\0\0\0' \
-        "\\x$(printf %02x $(($(stat -c %s dot.jpg) - 256)))"
-    cat dot.jpg
-} >exif
-{
-    head -c 2 bare.jpg
-    segment '\xe1' exif
-    tail -c +3 bare.jpg
-} >turned.jpg
+for order in MM II; do
+    {
+        printf 'Exif\0\0%s' $order && number $order 2 42 && number $order 4 264
+        printf '%256s' && number $order 2 2
+        entry $order 0x112 3 1 && number $order 2 6 && number $order 2 0
+        entry $order 0x13b 2 4 && printf 'Ann\0' && number $order 4 294
+        number $order 2 2 && entry $order 0x201 4 1 && number $order 4 324
+        entry $order 0x202 4 1 && number $order 4 "$(stat -c %s dot.jpg)" && number $order 4 0
+        cat dot.jpg
+    } >exif
+    {
+        head -c 2 bare.jpg
+        segment '\xe1' exif
+        tail -c +3 bare.jpg
+    } >turned$order.jpg
+done
+mv turnedMM.jpg turned.jpg
 
 # What the photo is, it stays, and the object comes in its colours.
 photos() {
-    local kind
+    local kind photo
     run 0 blend cut.png photo.jpg o.jpg && silent
     for kind in exif-ifd0-Artist xmp-data iptc-data icc-profile-data; do
         [ "$(field o.jpg $kind)" = "$(field photo.jpg $kind)" ] || fail "$kind of o.jpg"
@@ -93,15 +108,18 @@ photos() {
         [ -z "$(field o.$kind jpeg-thumbnail-data)" ] || fail "an old thumbnail in o.$kind"
     done
     # A file of this kind holds the data as they are handed on, for whoever reads them.
-    run 0 blend cut.png turned.jpg o.v
-    field o.v exif-data | base64 -d >exif
-    {
-        head -c 2 bare.jpg
-        segment '\xe1' exif
-        tail -c +3 bare.jpg
-    } >again.jpg
-    has again.jpg exif-ifd0-Artist
-    [ -z "$(field again.jpg jpeg-thumbnail-data)" ] || fail "an old thumbnail in o.v"
+    for photo in turned.jpg turnedII.jpg; do
+        has $photo jpeg-thumbnail-data
+        run 0 blend cut.png $photo o.v
+        field o.v exif-data | base64 -d >exif
+        {
+            head -c 2 bare.jpg
+            segment '\xe1' exif
+            tail -c +3 bare.jpg
+        } >again.jpg
+        has again.jpg exif-ifd0-Artist
+        [ -z "$(field again.jpg jpeg-thumbnail-data)" ] || fail "an old thumbnail of $photo in o.v"
+    done
 
     # In P3, red is (184, 56, 49); green keeps its values whatever they mean.
     run 0 blend cut.png p3.png o.png && silent
