@@ -36,6 +36,19 @@ static inline int64_t clamp_i64(int64_t v, int64_t low, int64_t high) {
     return v < low ? low : (v > high ? high : v);
 }
 
+static inline size_t max_size(size_t a, size_t b) {
+    return a > b ? a : b;
+}
+
+// Bytes of the widest vectors, and of a line of the cache.
+enum { VECTOR_BYTES = 64 };
+
+// Working rows start where a vector does, so that none of its loads and stores meets two lines of
+// the cache: the bytes from one to the next.
+static inline size_t whole_vectors(size_t bytes) {
+    return (bytes + VECTOR_BYTES - 1) & ~(size_t)(VECTOR_BYTES - 1);
+}
+
 // The size of a buffer of `width` x `height` elements of `bytes` bytes. False when the product is
 // negative or too large for any buffer; a product of two negative sides is a size.
 static inline bool buffer_size(int64_t width, int64_t height, int64_t bytes, size_t* size) {

@@ -11,9 +11,6 @@
 // Rows of the coarser level that a finer row lies between.
 enum { RING_ROWS = 3 };
 
-// Bytes of the widest vectors, and of a line of the cache.
-enum { SCRATCH_ALIGNMENT = 64 };
-
 // Working rows of the way up.
 typedef struct merge_scratch {
     uint8_t* ring[3];  // RING_ROWS coarse rows, widened, of source, destination and result
@@ -22,22 +19,12 @@ typedef struct merge_scratch {
     uint8_t* out;
 } merge_scratch;
 
-static size_t max_size(size_t a, size_t b) {
-    return a > b ? a : b;
-}
-
-// Working rows start where a vector does, so that none of its loads and stores meets two lines of
-// the cache.
-static size_t whole_vectors(size_t bytes) {
-    return (bytes + SCRATCH_ALIGNMENT - 1) & ~(size_t)(SCRATCH_ALIGNMENT - 1);
-}
-
 static size_t pitch_of(int32_t width) {
     return whole_vectors(3 * (size_t)width);
 }
 
 static uint8_t* first_vector(uint8_t* scratch) {
-    return scratch + (-(uintptr_t)scratch & (SCRATCH_ALIGNMENT - 1));
+    return scratch + (-(uintptr_t)scratch & (VECTOR_BYTES - 1));
 }
 
 size_t band_scratch_bytes(int32_t width) {
@@ -45,7 +32,7 @@ size_t band_scratch_bytes(int32_t width) {
     const size_t reduce = 2 * pitch_of(width) + sliding_bytes(width / 2, 3);
     const size_t merge = (3 * RING_ROWS + 3) * pitch_of(width);
     const size_t top = 4 * max_size(row_bytes, 3 * TOP_RUN_PIXELS);
-    return whole_vectors(max_size(max_size(reduce, merge), top)) + SCRATCH_ALIGNMENT;
+    return whole_vectors(max_size(max_size(reduce, merge), top)) + VECTOR_BYTES;
 }
 
 static merge_scratch split_for_merge(uint8_t* scratch, int32_t width) {
@@ -135,13 +122,13 @@ static uint8_t* ring_row(const merge_scratch* scratch, size_t i, int32_t row, si
 
 // Coarse row `row` of all three pictures into the rings.
 static void fill_rings(const band_bundle* bundle, int32_t row, const merge_scratch* scratch) {
+    const row_ops* ops = active_row_ops();
     const pyramid_level* coarse = bundle->coarse;
     const patch* const pictures[3] = {&coarse->src, &coarse->dst, &coarse->result};
     const int32_t width = bundle->fine->width;
     for (size_t i = 0; i < 3; i++) {
-        active_row_ops()->expand_row_c3(read_rows(pictures[i], row, 1, coarse->width, NULL),
-                                        coarse->width, ring_row(scratch, i, row, pitch_of(width)),
-                                        width);
+        ops->expand_row_c3(read_rows(pictures[i], row, 1, coarse->width, NULL), coarse->width,
+                           ring_row(scratch, i, row, pitch_of(width)), width);
     }
 }
 

@@ -2,16 +2,13 @@
 #include "kernels/sliding_reduction.h"
 
 #include "kernels/row_ops.h"
+#include "numeric.h"
 
 // Filtered rows that a coarser row takes, in whole pairs.
 enum { RING_PAIRS = 3 };
 
 static size_t pitch_of(const sliding_reduction* slide) {
-    return ((size_t)slide->dst_width * (size_t)slide->channels + 63) & ~(size_t)63;
-}
-
-static size_t max_size(size_t a, size_t b) {
-    return a > b ? a : b;
+    return whole_vectors((size_t)slide->dst_width * (size_t)slide->channels);
 }
 
 size_t sliding_bytes(int32_t dst_width, int32_t channels) {
