@@ -26,7 +26,7 @@ end_servers() {
     rm -rf "$work"
 }
 made_folder=
-trap end_servers EXIT
+trap 'if [ $BASHPID -eq $$ ]; then end_servers; fi' EXIT
 # sshd wants this folder when it is started as root.
 [ "$(id -u)" -ne 0 ] || [ -d /run/sshd ] || { mkdir -p /run/sshd && made_folder=yes; }
 

@@ -5,7 +5,9 @@
 set -u
 tool=$(realpath "$1")
 work=$(mktemp -d)
-trap '[ $BASHPID -ne $$ ] || rm -rf "$work"' EXIT # a subshell that a signal ends comes here, too
+# A child that a signal ends before it becomes another program comes here, too, and there `[` may
+# fail with any test. So it is the test that succeeds that removes the folder.
+trap 'if [ $BASHPID -eq $$ ]; then rm -rf "$work"; fi' EXIT
 cd "$work" || exit 1
 # Nothing of the login that runs the test matters.
 export LC_ALL=C SHELL=/bin/sh HOME="$work"
