@@ -21,17 +21,6 @@ static inline bytes16 saturate(uint16x8_t low, uint16x8_t high) {
     return vqmovun_high_s16(vqmovun_s16(vreinterpretq_s16_u16(low)), vreinterpretq_s16_u16(high));
 }
 
-// 16 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
-// and gives one to those below -127. One of the two parts is 0, so each saturates by itself.
-static inline bytes16 merge_one(bytes16 row, bytes16 expanded, bytes16 result) {
-    const bytes16 above = vqsubq_u8(row, expanded), below = vqsubq_u8(expanded, row);
-    const int8x16_t signed_below = vreinterpretq_s8_u8(below);
-    const bytes16 gain = vaddq_u8(above, vcgtq_u8(above, vdupq_n_u8(128)));
-    // The bit of 128 is the sign: shifted down it is -1.
-    const bytes16 loss = vreinterpretq_u8_s8(vsraq_n_s8(signed_below, signed_below, 7));
-    return vqsubq_u8(vqaddq_u8(result, gain), loss);
-}
-
 // result + ((p - q + 128) >> 8) for sums p and q of two products whose weights add up to 255: both
 // are at most 255 * 255. A halving subtraction gives (p - q) >> 1 as a signed value, and
 // (((p - q) >> 1) + 64) >> 7 is the same.
@@ -39,19 +28,6 @@ static inline uint16x8_t add_weighted(uint16x8_t result, uint16x8_t p, uint16x8_
     const int16x8_t half = vreinterpretq_s16_u16(vhsubq_u16(p, q));
     return vreinterpretq_u16_s16(vrsraq_n_s16(vreinterpretq_s16_u16(result), half, 7));
 }
-
-// The phases of a merge: rows of a coarser level expanded down the columns.
-struct even_rows {
-    static inline bytes16 at(const coarse_rows* rows, size_t i) {
-        return even_phase(vld1q_u8(rows->above + i), vld1q_u8(rows->centre + i),
-                          vld1q_u8(rows->below + i));
-    }
-};
-struct odd_rows {
-    static inline bytes16 at(const coarse_rows* rows, size_t i) {
-        return vrhaddq_u8(vld1q_u8(rows->centre + i), vld1q_u8(rows->below + i));
-    }
-};
 
 // 16 values from byte i on under the weights m.
 template <class Phase>

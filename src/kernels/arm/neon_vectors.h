@@ -11,6 +11,11 @@
 #include "kernels/vector_rows.h"
 
 typedef uint8x16_t bytes16;
+typedef bytes16 byte_vector;
+
+static inline bytes16 load(const uint8_t* p) {
+    return vld1q_u8(p);
+}
 
 // store(i, value_at(i)) for runs of `size` elements that cover 0 .. count - 1, count >= size. Two
 // runs a step, both computed before either is stored; the last ones are moved back to the end of
@@ -38,5 +43,26 @@ static inline void write_bytes(uint8_t* __restrict dst, size_t count, Value valu
 static inline bytes16 even_phase(bytes16 a, bytes16 b, bytes16 c) {
     return vrhaddq_u8(b, vhaddq_u8(b, vhaddq_u8(a, c)));
 }
+
+// What the merge is made of.
+static inline bytes16 average_up(bytes16 a, bytes16 b) {
+    return vrhaddq_u8(a, b);
+}
+static inline bytes16 add_saturated(bytes16 a, bytes16 b) {
+    return vqaddq_u8(a, b);
+}
+static inline bytes16 subtract_saturated(bytes16 a, bytes16 b) {
+    return vqsubq_u8(a, b);
+}
+// v - 1 where v is 128 and more, or more than that. The sign shifted down is -1.
+static inline bytes16 drop_from_128(bytes16 v) {
+    const int8x16_t signed_v = vreinterpretq_s8_u8(v);
+    return vreinterpretq_u8_s8(vsraq_n_s8(signed_v, signed_v, 7));
+}
+static inline bytes16 drop_above_128(bytes16 v) {
+    return vaddq_u8(v, vcgtq_u8(v, vdupq_n_u8(128)));
+}
+
+#include "kernels/merge_formulas.h"
 
 #endif

@@ -11,19 +11,6 @@ static inline bytes16 triple_bytes(bytes16 mask, size_t third) {
     return wasm_i8x16_swizzle(mask, triples[third]);
 }
 
-// 16 values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128
-// and gives one to those below -127. One of the two parts is 0, so each saturates by itself.
-static inline bytes16 merge_one(bytes16 row, bytes16 expanded, bytes16 result) {
-    const bytes16 above = wasm_u8x16_sub_sat(row, expanded);
-    const bytes16 below = wasm_u8x16_sub_sat(expanded, row);
-    // Comparisons of signed bytes: from 128 on they are negative.
-    const bytes16 zero = wasm_i8x16_const_splat(0), half = wasm_i8x16_const_splat(-128);
-    const bytes16 is_above = wasm_i8x16_gt(wasm_v128_xor(above, half), zero);
-    const bytes16 is_below = wasm_i8x16_gt(zero, below);
-    const bytes16 gain = wasm_i8x16_add(above, is_above), loss = wasm_i8x16_add(below, is_below);
-    return wasm_u8x16_sub_sat(wasm_u8x16_add_sat(result, gain), loss);
-}
-
 // Eight 16-bit values each.
 typedef struct weighted_halves {
     bytes16 m, n;  // weights, which add up to 255
@@ -41,18 +28,6 @@ static inline bytes16 merge_half(const weighted_halves* h) {
     const bytes16 sum = wasm_i16x8_add(wasm_u16x8_shr(mean, 7), h->result);
     return wasm_i16x8_sub(sum, wasm_i16x8_const_splat(256));
 }
-
-// The phases of a merge: rows of a coarser level expanded down the columns.
-struct even_rows {
-    static inline bytes16 at(const coarse_rows* rows, size_t i) {
-        return even_phase(load(rows->above + i), load(rows->centre + i), load(rows->below + i));
-    }
-};
-struct odd_rows {
-    static inline bytes16 at(const coarse_rows* rows, size_t i) {
-        return average_up(load(rows->centre + i), load(rows->below + i));
-    }
-};
 
 // 16 values from byte i on under the weights m.
 template <class Phase>

@@ -14,6 +14,7 @@
 #include "kernels/wasm/simd128_rows.h"
 
 typedef v128_t bytes16;
+typedef bytes16 byte_vector;
 
 enum { NONE = 0x80 };
 
@@ -36,11 +37,24 @@ static inline bytes16 invert(bytes16 v) {
     return wasm_v128_xor(v, wasm_i8x16_const_splat(-1));
 }
 
-// (a + 6 b + c + 4) >> 3: halving three times, rounding up only in the last step. The mean of
-// inverted values is an inverted mean that is rounded down.
-static inline bytes16 even_phase(bytes16 a, bytes16 b, bytes16 c) {
-    const bytes16 ac = average_up(invert(a), invert(c));
-    return average_up(b, invert(average_up(invert(b), ac)));
+// What the merge is made of.
+static inline bytes16 add_saturated(bytes16 a, bytes16 b) {
+    return wasm_u8x16_add_sat(a, b);
 }
+static inline bytes16 subtract_saturated(bytes16 a, bytes16 b) {
+    return wasm_u8x16_sub_sat(a, b);
+}
+// v - 1 where v is 128 and more, or more than that. Comparisons of signed bytes: from 128 on they
+// are negative.
+static inline bytes16 drop_from_128(bytes16 v) {
+    return wasm_i8x16_add(v, wasm_i8x16_gt(wasm_i8x16_const_splat(0), v));
+}
+static inline bytes16 drop_above_128(bytes16 v) {
+    const bytes16 flipped = wasm_v128_xor(v, wasm_i8x16_const_splat(-128));
+    return wasm_i8x16_add(v, wasm_i8x16_gt(flipped, wasm_i8x16_const_splat(0)));
+}
+
+#include "kernels/even_phase.h"
+#include "kernels/merge_formulas.h"
 
 #endif

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The merge of a row in 256-bit vectors of x86-64.
 #include "kernels/x86/avx2_vectors.h"
+#include "kernels/x86/x86_merge.h"
 
 static inline mask_kind kind_of(bytes32 mask) {
     const bytes32 ones = _mm256_set1_epi8(-1);
@@ -24,8 +25,6 @@ static inline bytes32 triple_bytes(const uint8_t* mask, size_t third) {
     return join(triple_sixteen(mask + low / 3 * 16, low % 3),
                 triple_sixteen(mask + high / 3 * 16, high % 3));
 }
-
-#include "kernels/x86/x86_merge.h"
 
 void avx2_merge_even(const merge_rows* rows, uint8_t* __restrict dst, size_t pixels) {
     if (pixels < MERGED_PIXELS) return plain_rows.merge_even(rows, dst, pixels);

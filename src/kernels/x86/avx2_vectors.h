@@ -115,6 +115,7 @@ static inline bytes32 choose(bytes32 mask, bytes32 set, bytes32 unset) {
     return _mm256_blendv_epi8(unset, set, mask);
 }
 
-#include "kernels/x86/x86_formulas.h"
+#include "kernels/even_phase.h"
+#include "kernels/merge_formulas.h"
 
 #endif

@@ -89,6 +89,7 @@ static inline bytes64 choose(bytes64 mask, bytes64 set, bytes64 unset) {
     return _mm512_ternarylogic_epi64(mask, set, unset, 0xca);
 }
 
-#include "kernels/x86/x86_formulas.h"
+#include "kernels/even_phase.h"
+#include "kernels/merge_formulas.h"
 
 #endif

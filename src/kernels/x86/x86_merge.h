@@ -1,23 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 // The merge of a row in vectors of either width. Included by avx2_merge.cpp and avx512_merge.cpp
-// alone, behind their vectors and what they define of a mask:
-//   mask_kind kind_of(byte_vector mask)
-//   byte_vector triple_bytes(const uint8_t* mask, size_t third): third 0, 1 or 2 of the bytes of a
-//   vector, each byte three times
+// alone, behind their vectors.
 #ifndef IMAGEBLEND_KERNELS_X86_X86_MERGE_H
 #define IMAGEBLEND_KERNELS_X86_X86_MERGE_H
+
+// What a vector of mask bytes asks for: one picture, one for each value, or both.
+typedef enum mask_kind { MASK_CLEAR, MASK_FULL, MASK_HARD, MASK_SOFT } mask_kind;
+static inline mask_kind kind_of(byte_vector mask);
+// Third 0, 1 or 2 of the bytes of a vector, each three times.
+static inline byte_vector triple_bytes(const uint8_t* mask, size_t third);
 
 namespace {
 
 enum { MERGED_PIXELS = sizeof(byte_vector) };
-
-// Values under a weight of 255, (255 v + 128) >> 8, which takes one from differences above 128 and
-// gives one to those below -127. One of the two parts is 0, so each saturates by itself.
-inline byte_vector merge_one(byte_vector row, byte_vector expanded, byte_vector result) {
-    const byte_vector gain = drop_above_128(subtract_saturated(row, expanded));
-    const byte_vector loss = drop_from_128(subtract_saturated(expanded, row));
-    return subtract_saturated(add_saturated(result, gain), loss);
-}
 
 // result + ((m a + n b + 128) >> 8) for n = 255 - m and a, b the differences of `pictures` and of
 // `expanded`; `weights` are pairs of m and n, the others pairs of samples less 128. The sums p of
@@ -46,18 +41,6 @@ inline byte_vector merge_two(byte_vector m, picture_bytes src, picture_bytes und
         merge_words(turns_high(m, n), turns_high(a, b), turns_high(ea, eb),
                     turns_high(result, ones)));
 }
-
-// The phases of a merge: rows of a coarser level expanded down the columns.
-struct even_rows {
-    static inline byte_vector at(const coarse_rows* rows, size_t i) {
-        return even_phase(load(rows->above + i), load(rows->centre + i), load(rows->below + i));
-    }
-};
-struct odd_rows {
-    static inline byte_vector at(const coarse_rows* rows, size_t i) {
-        return average_up(load(rows->centre + i), load(rows->below + i));
-    }
-};
 
 // One picture of a merge.
 typedef struct picture_rows {
