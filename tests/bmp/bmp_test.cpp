@@ -148,6 +148,14 @@ TEST_F(BmpRead, StreamRoutines) {
             << size;
         fclose(stream);
     }
+    // Nothing of a picture without pixels, whichever side it lacks.
+    for (const int32_t side : {-1, 0}) {
+        FILE* const stream = fmemopen(file.data(), 1, "rb");
+        EXPECT_EQ(bmp_read_data(stream, side, 1, nullptr, nullptr, nullptr), 0) << side;
+        EXPECT_EQ(bmp_read_data(stream, 1, side, nullptr, nullptr, nullptr), 0) << side;
+        EXPECT_EQ(ftell(stream), 0);
+        fclose(stream);
+    }
 }
 
 TEST_F(BmpRead, Failures) {
