@@ -142,6 +142,27 @@ describe("files", { skip: missing() }, () => {
         });
     });
 
+    test("a second click before the painter opens does not begin anew", async () => {
+        await page.evaluate(() => {
+            const decode = createImageBitmap;
+            let delay = 0;
+            globalThis.createImageBitmap = async (...picture) => {
+                await new Promise((done) => setTimeout(done, delay));
+                return decode(...picture);
+            };
+            const button = document.getElementById("object-paint");
+            button.click();
+            delay = 500;
+            button.click();
+            delay = 0;
+        });
+        await page.waitForSelector("#painter[open]");
+        await page.focus("#painter-paint");
+        await page.keyboard.press(" ");
+        await pause(700);
+        assert.equal(await page.$eval("#painter-undo", (button) => button.ariaDisabled), "false");
+    });
+
     test("a stroke that is taken back while it is drawn is over", async () => {
         await page.click("#object-paint");
         await page.waitForSelector("#painter[open]");

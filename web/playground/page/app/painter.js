@@ -23,27 +23,52 @@ export class Painter {
         this.size = byId("brush-size");
         this.context = this.paint.getContext("2d", { willReadFrequently: true });
         this.painting = false;
+        this.opened = 0;
         this.#listen();
     }
 
-    /** Lets a mask be painted for { file, mask }: { mask }, or null when that was given up. */
+    /**
+     * Lets a mask be painted for { file, mask }: { mask }, or null when that was given up or another
+     * came before it was ready.
+     */
     async open(object) {
+        const turn = ++this.opened;
+        const parts = await this.#load(object);
+        if (turn !== this.opened) {
+            parts.bitmap.close();
+            return null;
+        }
+        this.done?.(null);
+        this.#show(parts);
+        return new Promise((done) => (this.done = done));
+    }
+
+    async #load(object) {
         const bitmap = await decode(object.file);
         const scale = scaleWithin(bitmap.width, bitmap.height, LARGEST_MASK);
         const width = scaledSide(bitmap.width, scale);
         const height = scaledSide(bitmap.height, scale);
+        try {
+            return { bitmap, width, height, base: await maskBase(object, width, height) };
+        } catch (error) {
+            bitmap.close();
+            throw error;
+        }
+    }
+
+    #show({ bitmap, width, height, base }) {
         for (const canvas of [this.photo, this.paint]) Object.assign(canvas, { width, height });
         const context = this.photo.getContext("2d");
         context.imageSmoothingQuality = "high";
         context.drawImage(bitmap, 0, 0, width, height);
         bitmap.close();
-        this.strokes = new Strokes(this.context, await maskBase(object, width, height));
+        this.strokes = new Strokes(this.context, base);
         this.picture.style.setProperty("--shape", `${width} / ${height}`);
         this.picture.style.setProperty("--ratio", width / height);
         this.at = { x: width / 2, y: height / 2 };
+        this.result = null;
         this.dialog.showModal();
         this.#showTools();
-        return new Promise((done) => (this.done = done));
     }
 
     #listen() {
@@ -70,7 +95,7 @@ export class Painter {
         });
         byId("painter-cancel").addEventListener("click", () => dialog.close());
         byId("painter-use").addEventListener("click", () => this.#use());
-        dialog.addEventListener("close", () => this.#finish(null));
+        dialog.addEventListener("close", () => this.#finish());
         dialog.addEventListener("keydown", (event) => {
             if (stepByKey(event) !== "undo") return;
             event.preventDefault();
@@ -164,15 +189,14 @@ export class Painter {
     }
 
     #use() {
-        this.#finish({ mask: this.strokes.mask() });
+        this.result = { mask: this.strokes.mask() };
         this.dialog.close();
     }
 
-    #finish(result) {
+    #finish() {
         this.#lift();
-        this.done?.(result);
-        this.done = null;
-        this.strokes = null;
+        this.done?.(this.result);
+        this.done = this.result = this.strokes = null;
         for (const canvas of [this.photo, this.paint]) canvas.width = canvas.height = 0;
     }
 }
