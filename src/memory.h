@@ -4,22 +4,17 @@
 #ifndef IMAGEBLEND_MEMORY_H
 #define IMAGEBLEND_MEMORY_H
 
+#include <stdint.h>
 #include <stdlib.h>
 
-#include "numeric.h"
+// The size of a buffer of `width` x `height` elements of `bytes` bytes. False when the product is
+// negative or too large for any buffer; a product of two negative sides is a size.
+bool buffer_size(int64_t width, int64_t height, int64_t bytes, size_t* size);
 
 // `width` x `height` elements of `bytes` bytes, not initialised; null when that cannot be had.
-static inline void* alloc_plane(int64_t width, int64_t height, int64_t bytes) {
-    size_t size;
-    if (!buffer_size(width, height, bytes, &size)) return NULL;
-    return malloc(size > 0 ? size : 1);
-}
+void* alloc_plane(int64_t width, int64_t height, int64_t bytes);
 
 // The same, filled with zeros.
-static inline void* alloc_zeroed_plane(int64_t width, int64_t height, int64_t bytes) {
-    size_t size;
-    if (!buffer_size(width, height, bytes, &size)) return NULL;
-    return calloc(size > 0 ? size : 1, 1);
-}
+void* alloc_zeroed_plane(int64_t width, int64_t height, int64_t bytes);
 
 #endif

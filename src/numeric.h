@@ -49,14 +49,4 @@ static inline size_t whole_vectors(size_t bytes) {
     return (bytes + VECTOR_BYTES - 1) & ~(size_t)(VECTOR_BYTES - 1);
 }
 
-// The size of a buffer of `width` x `height` elements of `bytes` bytes. False when the product is
-// negative or too large for any buffer; a product of two negative sides is a size.
-static inline bool buffer_size(int64_t width, int64_t height, int64_t bytes, size_t* size) {
-    int64_t product;
-    if (__builtin_mul_overflow(width, height, &product)) return false;
-    if (__builtin_mul_overflow(product, bytes, &product)) return false;
-    *size = (size_t)product;
-    return product >= 0;
-}
-
 #endif

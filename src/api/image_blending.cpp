@@ -7,6 +7,7 @@
 #include "imageblend.h"
 #include "log.h"
 #include "memory.h"
+#include "numeric.h"
 
 // The frames of one call and what it makes of them.
 typedef struct blend_call {

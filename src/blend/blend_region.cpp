@@ -9,6 +9,7 @@
 #include "costs.h"
 #include "frame.h"
 #include "memory.h"
+#include "numeric.h"
 
 // The copy of the destination into the output, in pieces of some rows. The rectangle [left, right)
 // x [top, bottom), which the blend will write itself, is left out.

@@ -5,6 +5,7 @@
 #include "blend/threading.h"
 #include "costs.h"
 #include "memory.h"
+#include "numeric.h"
 #include "pool/free_cores.h"
 #include "pool/team.h"
 

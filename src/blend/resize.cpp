@@ -6,6 +6,7 @@
 #include "fixed_step.h"
 #include "kernels/row_ops.h"
 #include "memory.h"
+#include "numeric.h"
 
 // The two source samples of one output sample and their weights.
 typedef struct resize_tap {

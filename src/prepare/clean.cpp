@@ -3,6 +3,7 @@
 #include <string.h>
 
 #include "memory.h"
+#include "numeric.h"
 #include "prepare/alpha.h"
 #include "prepare/colours.h"
 #include "prepare/cut_out.h"

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "memory.h"
+#include "numeric.h"
 #include "prepare/wide_means.h"
 
 // The second means reach NEAR pixels; they are made in blocks of columns, of rows that have soft

@@ -5,6 +5,7 @@
 #include <string.h>
 
 #include "memory.h"
+#include "numeric.h"
 #include "prepare/alpha.h"
 
 // The least distance along a column or row that is beyond the longest reach, pixels that are

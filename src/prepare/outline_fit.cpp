@@ -4,6 +4,7 @@
 #include <math.h>
 
 #include "memory.h"
+#include "numeric.h"
 #include "prepare/distance.h"
 
 // Bins are a pixel of distance wide: bin b holds distances from b - BIN_ZERO on. SIDE of them on

@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "memory.h"
+#include "numeric.h"
 
 // Distances in thirds of a pixel: 3 to a neighbour in the row or column, 4 across.
 enum { STRAIGHT = 3, ACROSS = 4, NO_DISTANCE = 3 * (IMAGEBLEND_LARGEST_REACH + 1) };

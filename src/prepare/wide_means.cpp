@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "memory.h"
+#include "numeric.h"
 
 // 23 squares of 16 pixels, squared, times 255 * 255 stay below 2^30.
 enum { QUARTER_RADIUS = 11 };

@@ -5,6 +5,7 @@
 
 #include "imageblend_web.h"
 #include "memory.h"
+#include "numeric.h"
 
 // Alpha times 255 and colours times alpha, 0 .. 255 * 255, four values of 16 bits a pixel, with a
 // border of zeros on all sides that the taps of the filter may lie in.
