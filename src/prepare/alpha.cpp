@@ -11,22 +11,31 @@ bool source_is_valid(const imageblend_source* source) {
     return source->mask == NULL || has_size(source->mask, picture->width, picture->height);
 }
 
-static bool any_seen(const uint8_t* alphas, int64_t count, int64_t step) {
-    uint8_t any = 0;
-    for (int64_t x = 0; x < count; x++)
-        any |= alphas[x * step];
-    return any != 0;
+// Pixels that are looked at together, a multiple of 4.
+enum { RUN = 64 };
+
+// Whether one of RUN alphas is above 0. What lies between them is read, too, and left out at the
+// end.
+static bool any_seen(const uint8_t* alphas, int64_t step) {
+    const uint8_t first_byte[4] = {255, 0, 0, 0};
+    uint32_t kept = UINT32_MAX, any = 0;
+    if (step == 4) memcpy(&kept, first_byte, 4);
+    for (int64_t i = 0; i < RUN * step; i += 4) {
+        uint32_t bytes;
+        memcpy(&bytes, alphas + i, 4);
+        any |= bytes;
+    }
+    return (any & kept) != 0;
 }
 
 void find_seen(const uint8_t* alphas, int64_t count, int64_t step, int64_t* begin, int64_t* end) {
-    const int64_t run = 64;
     int64_t first = 0, last = count;
-    while (first + run <= count && !any_seen(alphas + first * step, run, step))
-        first += run;
+    while (first + RUN <= count && !any_seen(alphas + first * step, step))
+        first += RUN;
     while (first < count && alphas[first * step] == 0)
         first++;
-    while (last - run > first && !any_seen(alphas + (last - run) * step, run, step))
-        last -= run;
+    while (last - RUN > first && !any_seen(alphas + (last - RUN) * step, step))
+        last -= RUN;
     while (last > first && alphas[(last - 1) * step] == 0)
         last--;
     *begin = first;

@@ -12,7 +12,7 @@ enum { ALPHA_INSIDE = 128 };
 bool source_is_valid(const imageblend_source* source);
 
 // The pixels of a row from the first to the last with alpha above 0; both are `count` if there are
-// none. Alphas are `step` bytes apart.
+// none. Alphas are `step` bytes apart: 1, or 4, of which they are the first.
 void find_seen(const uint8_t* alphas, int64_t count, int64_t step, int64_t* begin, int64_t* end);
 
 // Alpha of the source, one byte for each pixel of the box.
