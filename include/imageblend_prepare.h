@@ -164,15 +164,15 @@ IMAGEBLEND_API int32_t imageblend_place(const imageblend_layer* layer, int32_t w
  * Fills the frames. The icon frame is the object over its surroundings over the destination, as
  * far as they lie in the destination; the mask covers them with the blend's margin: where it ends,
  * both pictures are the same, and no seam can show. Surroundings fade into the destination and are
- * lit like it, by one gain for each channel: the median over the ring.
+ * lit like it, by one gain for each channel: the median over what is seen of the ring.
  *
  *   layer, destination  as for imageblend_place; byte 0 of the destination is its alpha
  *   frames              from imageblend_place; the three `data` must hold box.width * box.height
  *                       pixels
  *   reach               may be null; receives the pixels of surroundings that came along
  *
- * Memory while it runs: 5 bytes for each pixel of the frames and 24 KB if `surroundings` is set and
- * `reach` is not 0, else none.
+ * Memory while it runs: 4 bytes for each pixel of the frames, or less, and 24 KB if `surroundings`
+ * is set and `reach` is not 0, else none.
  */
 IMAGEBLEND_API int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
                                       const imageblend_frames* frames, int32_t* reach);

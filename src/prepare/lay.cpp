@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <string.h>
 
+#include "numeric.h"
+#include "prepare/alpha.h"
+#include "prepare/layer.h"
 #include "prepare/picture.h"
 #include "prepare/surroundings.h"
 
@@ -16,13 +19,27 @@ static void copy_row(const uint8_t* from, int64_t from_width, int64_t left, uint
         memcpy(row + 4 * x, from + 4 * (from_width - 1), 4);
 }
 
+// A row of an icon of which nothing is new: the destination's colours and 0.
+static void start_row(const uint8_t* __restrict from, int64_t width, uint8_t* __restrict icon) {
+    const uint8_t colour[4] = {0, 255, 255, 255};
+    uint32_t kept;
+    memcpy(&kept, colour, 4);
+    for (int64_t i = 0; i < 4 * width; i += 4) {
+        uint32_t pixel;
+        memcpy(&pixel, from + i, 4);
+        pixel &= kept;
+        memcpy(icon + i, &pixel, 4);
+    }
+}
+
 static void copy_destination(const blend_image* destination, const imageblend_frames* frames) {
     const size_t row_bytes = 4 * (size_t)frames->box.width;
     for (int64_t y = 0; y < frames->box.height; y++) {
         const int64_t row = clamp_i64(frames->box.top + y, 0, destination->height - 1);
+        uint8_t* copy = frames->destination.data + (size_t)y * row_bytes;
         copy_row(destination->data + 4 * (size_t)row * (size_t)destination->width,
-                 destination->width, frames->box.left,
-                 frames->destination.data + (size_t)y * row_bytes, frames->box.width);
+                 destination->width, frames->box.left, copy, frames->box.width);
+        start_row(copy, frames->box.width, frames->icon.data + (size_t)y * row_bytes);
     }
 }
 
@@ -33,22 +50,6 @@ static void fill_mask(const imageblend_frames* frames, const span_box* inner) {
     memset(frames->mask.data, 0, (size_t)width * (size_t)height);
     for (int64_t y = edge; y < height - edge; y++)
         memset(frames->mask.data + y * width + edge, 255, (size_t)(width - 2 * edge));
-}
-
-// The destination's colours, of which nothing is new.
-static void start_icon(const imageblend_frames* frames) {
-    const uint8_t colour[4] = {0, 255, 255, 255};
-    uint32_t kept;
-    memcpy(&kept, colour, 4);
-    const size_t pixels = (size_t)frames->box.width * (size_t)frames->box.height;
-    const uint8_t* __restrict from = frames->destination.data;
-    uint8_t* __restrict icon = frames->icon.data;
-    for (size_t i = 0; i < pixels; i++) {
-        uint32_t pixel;
-        memcpy(&pixel, from + 4 * i, 4);
-        pixel &= kept;
-        memcpy(icon + 4 * i, &pixel, 4);
-    }
 }
 
 // One colour over a pixel, by `alpha`, 1 .. 255; byte 0 of the pixel becomes the alpha of both.
@@ -74,25 +75,34 @@ static void lay_object(const uint8_t* object, const uint8_t* under, int64_t coun
     }
 }
 
-// A row of the object and then of its surroundings, by their weights, as far as a pixel is not the
-// object's. The picture that they come from holds what is soft of the object already, its shadow
-// too: laid under it, that would count twice.
-static void lay_with_surroundings(const uint8_t* object, const uint8_t* from,
-                                  const uint8_t* weights, const float* gain, int64_t count,
+// A pixel of the surroundings by `weight`, as far as it is not the object's. The picture that they
+// come from holds what is soft of the object already, its shadow too: laid under it, that would
+// count twice. So only what is not the object's is lit.
+static void lay_surroundings(const uint8_t* from, int alpha, int weight, const float* gain,
+                             uint8_t* pixel) {
+    const float own = (float)alpha / 255.0f;
+    uint8_t colour[4] = {0};
+    for (int c = 1; c <= 3; c++)
+        colour[c] = float_to_byte((float)from[c] * (gain[c - 1] + (1.0f - gain[c - 1]) * own));
+    lay_over(colour, weight, pixel);
+}
+
+// The same with surroundings `from`, whose weights begin at `index`.
+static void lay_with_surroundings(const uint8_t* object, const uint8_t* under, const uint8_t* from,
+                                  const surroundings* around, int64_t index, int64_t count,
                                   uint8_t* icon) {
-    for (int64_t i = 0; i < count; i++, object += 4, from += 4, icon += 4) {
-        const int alpha = object[0], rest = ((255 - alpha) * weights[i] + 127) / 255;
-        if (alpha > 0) lay_over(object, alpha, icon);
-        if (rest > 0) {
-            // Only what is not the object's is lit.
-            const float own = (float)alpha / 255.0f;
-            uint8_t colour[4] = {0};
-            for (int c = 1; c <= 3; c++)
-                colour[c] =
-                    float_to_byte((float)from[c] * (gain[c - 1] + (1.0f - gain[c - 1]) * own));
-            lay_over(colour, rest, icon);
+    for (int64_t i = 0; i < 4 * count; i += 4, index++) {
+        const int alpha = object[i];
+        if (alpha == 255) {
+            memcpy(icon + i, object + i, 4);
+            continue;
         }
-        icon[0] = (uint8_t)(alpha + rest);
+        const int rest = ((255 - alpha) * surroundings_weight(around, index) + 127) / 255;
+        if (alpha + rest == 0) continue;
+        memcpy(icon + i, under + i, 4);
+        if (alpha > 0) lay_over(object + i, alpha, icon + i);
+        if (rest > 0) lay_surroundings(from + i, alpha, rest, around->gain, icon + i);
+        icon[i] = (uint8_t)(alpha + rest);
     }
 }
 
@@ -109,12 +119,24 @@ static void lay_layer(const imageblend_layer* layer, const imageblend_frames* fr
         uint8_t* icon = frames->icon.data + 4 * to;
         if (around->reach == 0) {
             lay_object(object, under, count, icon);
-            continue;
+        } else {
+            lay_with_surroundings(object, under, layer->surroundings->data + 4 * from, around,
+                                  area_index(around, inner->left, y), count, icon);
         }
-        memcpy(icon, under, 4 * (size_t)count);
-        lay_with_surroundings(object, layer->surroundings->data + 4 * from, around->weight + to,
-                              around->gain, count, icon);
     }
+}
+
+int32_t lay_frames(const imageblend_layer* layer, const blend_image* destination,
+                   const imageblend_frames* frames, const span_box* inner, int32_t* reach) {
+    surroundings around;
+    if (!alloc_surroundings(layer, frames, inner, &around)) return -1;
+    copy_destination(destination, frames);
+    fill_mask(frames, inner);
+    find_surroundings(layer, frames, &around);
+    lay_layer(layer, frames, &around, inner);
+    if (reach != NULL) *reach = around.reach;
+    free_surroundings(&around);
+    return 0;
 }
 
 int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destination,
@@ -130,17 +152,7 @@ int32_t imageblend_lay(const imageblend_layer* layer, const blend_image* destina
     for (const blend_image* record : records) {
         if (!has_size(record, box->width, box->height)) return -1;
     }
-
-    surroundings around;
-    if (!alloc_surroundings(layer, frames, &around)) return -1;
-    copy_destination(destination, frames);
-    fill_mask(frames, &inner);
-    start_icon(frames);
-    find_surroundings(layer, frames, &around);
-    lay_layer(layer, frames, &around, &inner);
-    if (reach != NULL) *reach = around.reach;
-    free_surroundings(&around);
-    return 0;
+    return lay_frames(layer, destination, frames, &inner, reach);
 }
 
 int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* blended,
@@ -151,17 +163,20 @@ int32_t imageblend_finish(const imageblend_frames* frames, const blend_image* bl
     if (!has_size(blended, box->width, box->height)) return -1;
     const span_box whole = {0, 0, output->width, output->height};
     const span_box place = span_of(box), seen = cut_span(&whole, &place);
+    if (is_empty(&seen)) return 0;
     for (int64_t y = seen.top; y < seen.bottom; y++) {
-        const size_t from = (size_t)(y - place.top) * (size_t)box->width;
+        const int64_t from = (y - place.top) * box->width + seen.left - place.left;
         const uint8_t* icon = frames->icon.data + 4 * from;
         const uint8_t* source = blended->data + 4 * from;
-        uint8_t* target = output->data + 4 * (size_t)y * (size_t)output->width;
-        for (int64_t x = seen.left; x < seen.right; x++) {
-            const int64_t i = 4 * (x - place.left);
+        uint8_t* target = output->data + 4 * (y * output->width + seen.left);
+        int64_t begin, end;
+        find_seen(icon, seen.right - seen.left, 4, &begin, &end);
+        for (int64_t i = 4 * begin; i < 4 * end; i += 4) {
             const int alpha = icon[i];
             if (alpha == 0) continue;
-            memcpy(target + 4 * x + 1, source + i + 1, 3);
-            target[4 * x] = (uint8_t)(alpha + ((255 - alpha) * target[4 * x] + 127) / 255);
+            const int kept = alpha == 255 ? 0 : ((255 - alpha) * target[i] + 127) / 255;
+            memcpy(target + i, source + i, 4);
+            target[i] = (uint8_t)(alpha + kept);
         }
     }
     return 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "imageblend_prepare.h"
 #include "memory.h"
+#include "prepare/layer.h"
 #include "prepare/picture.h"
 
 // The frames' pixels: 4 + 4 + 1 bytes each, from one allocation, which is returned.
@@ -23,7 +24,8 @@ static int32_t blend_frames(imageblend_frames* frames) {
 int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture, int32_t* reach) {
     if (!picture_is_valid(picture)) return -1;
     imageblend_frames frames;
-    if (imageblend_place(layer, picture->width, picture->height, &frames) != 0) return -1;
+    span_box inner;
+    if (place_layer(layer, picture->width, picture->height, &frames, &inner) != 0) return -1;
     if (frames.box.width == 0) {
         if (reach != NULL) *reach = 0;
         return 0;
@@ -31,7 +33,7 @@ int32_t imageblend_paste(const imageblend_layer* layer, blend_image* picture, in
     uint8_t* block = alloc_frames(&frames);
     if (block == NULL) return -1;
     int32_t used = 0;
-    int32_t status = imageblend_lay(layer, picture, &frames, &used);
+    int32_t status = lay_frames(layer, picture, &frames, &inner, &used);
     if (status == 0) status = blend_frames(&frames);
     if (status == 0) status = imageblend_finish(&frames, &frames.destination, picture);
     free(block);

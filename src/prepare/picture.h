@@ -5,7 +5,6 @@
 
 #include "imageblend.h"
 #include "memory.h"
-#include "numeric.h"
 
 // Whether the record can be read: no null, sides from 1 on, and no more colour pixels than a buffer
 // can have.

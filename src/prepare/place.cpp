@@ -2,6 +2,8 @@
 #include <string.h>
 
 #include "blend/depth.h"
+#include "memory.h"
+#include "numeric.h"
 #include "prepare/alpha.h"
 #include "prepare/layer.h"
 #include "prepare/picture.h"
@@ -47,11 +49,11 @@ span_box cut_span(const span_box* a, const span_box* b) {
             min_i64(a->bottom, b->bottom)};
 }
 
-static span_box grow_span(const span_box* box, int64_t by) {
+span_box grow_span(const span_box* box, int64_t by) {
     return {box->left - by, box->top - by, box->right + by, box->bottom + by};
 }
 
-static bool is_empty(const span_box* box) {
+bool is_empty(const span_box* box) {
     return box->right <= box->left || box->bottom <= box->top;
 }
 

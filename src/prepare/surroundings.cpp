@@ -5,9 +5,7 @@
 
 #include "memory.h"
 #include "numeric.h"
-
-// Distances in thirds of a pixel: 3 to a neighbour in the row or column, 4 across.
-enum { STRAIGHT = 3, ACROSS = 4, NO_DISTANCE = 3 * (IMAGEBLEND_LARGEST_REACH + 1) };
+#include "prepare/steps.h"
 
 // Ratios are in 1/256, up to 8.
 enum { RATIO_ONE = 256, RATIOS = 8 * RATIO_ONE };
@@ -16,68 +14,66 @@ enum { RATIO_ONE = 256, RATIOS = 8 * RATIO_ONE };
 enum { PATCH = 8, FEWEST_PIXELS = 16 };
 static const float largest_mismatch = 5.0f;
 
-static uint16_t least(uint16_t a, int b) {
-    return a < b ? a : (uint16_t)b;
-}
-
-// Passes distances on along a row, from the row before it (null if none) and from pixel to pixel:
-// forwards with a step of 1, backwards with -1.
-static void spread_row(const uint16_t* before, int64_t width, int64_t step, uint16_t* row) {
-    const int64_t first = step > 0 ? 0 : width - 1;
-    for (int64_t i = 0, x = first; i < width; i++, x += step) {
-        uint16_t d = row[x];
-        if (i > 0) d = least(d, row[x - step] + STRAIGHT);
-        if (before != NULL) {
-            d = least(d, before[x] + STRAIGHT);
-            if (x > 0) d = least(d, before[x - 1] + ACROSS);
-            if (x + 1 < width) d = least(d, before[x + 1] + ACROSS);
-        }
-        row[x] = d;
-    }
-}
-
-// Distances to the pixels that hold 0, in two passes over the plane.
-static void spread_distances(uint16_t* plane, int64_t width, int64_t height) {
-    for (int64_t y = 0; y < height; y++) {
-        uint16_t* row = plane + y * width;
-        spread_row(y > 0 ? row - width : NULL, width, 1, row);
-    }
-    for (int64_t y = height - 1; y >= 0; y--) {
-        uint16_t* row = plane + y * width;
-        spread_row(y + 1 < height ? row + width : NULL, width, -1, row);
-    }
-}
-
 typedef struct ring {
     const imageblend_layer* layer;
     const imageblend_frames* frames;
     const surroundings* around;
 } ring;
 
-static void measure_ring(const ring* r) {
-    const int64_t width = r->frames->box.width, height = r->frames->box.height;
-    for (int64_t y = 0; y < height; y++) {
-        for (int64_t x = 0; x < width; x++) {
-            const uint8_t* object = layer_pixel(r->layer, r->layer->object, r->frames, x, y);
-            const uint8_t* around = layer_pixel(r->layer, r->layer->surroundings, r->frames, x, y);
-            const int64_t i = y * width + x;
-            r->around->to_object[i] = object != NULL && object[0] != 0 ? 0 : NO_DISTANCE;
-            r->around->to_end[i] = around == NULL || around[0] < 255 ? 0 : NO_DISTANCE;
-        }
+// A row of the area before distances are spread: 0 on the object, and where the surroundings end.
+// Says whether they do.
+static bool mark_row(const ring* r, int64_t y, int16_t* to_object, int16_t* to_end) {
+    const span_box* area = &r->around->area;
+    const blend_image* object = r->layer->object;
+    const int64_t width = area->right - area->left, v = y - r->layer->top;
+    const int64_t left = area->left - r->layer->left;
+    const bool has_row = v >= 0 && v < object->height;
+    const int64_t begin = has_row ? clamp_i64(-left, 0, width) : width;
+    const int64_t end = has_row ? clamp_i64(object->width - left, begin, width) : width;
+    for (int64_t x = 0; x < width; x++) {
+        to_object[x] = STEPS_NONE;
+        to_end[x] = 0;
     }
-    spread_distances(r->around->to_object, width, height);
-    spread_distances(r->around->to_end, width, height);
+    bool ends = end - begin < width;
+    const int64_t first = 4 * (v * object->width + left);
+    for (int64_t x = begin; x < end; x++) {
+        if (object->data[first + 4 * x] != 0) to_object[x] = 0;
+        const bool seen = r->layer->surroundings->data[first + 4 * x] == 255;
+        to_end[x] = seen ? STEPS_NONE : 0;
+        ends = ends || !seen;
+    }
+    return ends;
 }
 
-// Whether a frame's pixel lies in the ring and has surroundings.
-static bool in_ring(const ring* r, int64_t x, int64_t y, int32_t reach) {
-    const int64_t i = y * r->frames->box.width + x;
-    return r->around->to_object[i] > 0 && r->around->to_object[i] <= STRAIGHT * reach &&
-           r->around->to_end[i] > 0;
+static void measure_ring(const ring* r) {
+    const span_box* area = &r->around->area;
+    const int64_t width = area->right - area->left, height = area->bottom - area->top;
+    bool ends = false;
+    for (int64_t y = 0; y < height; y++) {
+        ends = mark_row(r, area->top + y, r->around->to_object + y * width,
+                        r->around->to_end + y * width) ||
+               ends;
+    }
+    spread_steps(r->around->to_object, width, height);
+    if (ends) spread_steps(r->around->to_end, width, height);
+}
+
+// Whether a pixel of the inner part lies in the ring and has surroundings.
+static bool in_ring(const surroundings* around, int64_t x, int64_t y, int32_t reach) {
+    const int64_t i = area_index(around, x, y);
+    return around->to_object[i] > 0 && around->to_object[i] <= STEPS_STRAIGHT * reach &&
+           around->to_end[i] > 0;
+}
+
+// The colours of a pixel in the ring.
+static const uint8_t* surroundings_pixel(const ring* r, int64_t x, int64_t y) {
+    const blend_image* picture = r->layer->surroundings;
+    return picture->data + 4 * ((y - r->layer->top) * picture->width + x - r->layer->left);
 }
 
 static const uint8_t* destination_pixel(const ring* r, int64_t x, int64_t y) {
-    return r->frames->destination.data + 4 * (y * r->frames->box.width + x);
+    const imageblend_box* box = &r->frames->box;
+    return r->frames->destination.data + 4 * ((y - box->top) * box->width + x - box->left);
 }
 
 static float middle_ratio(const int32_t* counts) {
@@ -93,10 +89,11 @@ static float middle_ratio(const int32_t* counts) {
 
 static void find_gains(const ring* r, int32_t reach, int32_t* counts, float* gain) {
     memset(counts, 0, 3 * RATIOS * sizeof *counts);
-    for (int64_t y = 0; y < r->frames->box.height; y++) {
-        for (int64_t x = 0; x < r->frames->box.width; x++) {
-            if (!in_ring(r, x, y, reach)) continue;
-            const uint8_t* around = layer_pixel(r->layer, r->layer->surroundings, r->frames, x, y);
+    const span_box* inner = &r->around->inner;
+    for (int64_t y = inner->top; y < inner->bottom; y++) {
+        for (int64_t x = inner->left; x < inner->right; x++) {
+            if (!in_ring(r->around, x, y, reach)) continue;
+            const uint8_t* around = surroundings_pixel(r, x, y);
             const uint8_t* under = destination_pixel(r, x, y);
             for (int c = 0; c < 3; c++) {
                 // The 4 keeps the noise of dark colours out.
@@ -113,13 +110,13 @@ static void find_gains(const ring* r, int32_t reach, int32_t* counts, float* gai
 static float patch_mismatch(const ring* r, int64_t left, int64_t top, int32_t reach,
                             const float* gain, int32_t* pixels) {
     float sum[3] = {0.0f, 0.0f, 0.0f};
-    const int64_t right = min_i64(left + PATCH, r->frames->box.width);
-    const int64_t bottom = min_i64(top + PATCH, r->frames->box.height);
+    const span_box square = {left, top, left + PATCH, top + PATCH};
+    const span_box part = cut_span(&square, &r->around->inner);
     *pixels = 0;
-    for (int64_t y = top; y < bottom; y++) {
-        for (int64_t x = left; x < right; x++) {
-            if (!in_ring(r, x, y, reach)) continue;
-            const uint8_t* around = layer_pixel(r->layer, r->layer->surroundings, r->frames, x, y);
+    for (int64_t y = part.top; y < part.bottom; y++) {
+        for (int64_t x = part.left; x < part.right; x++) {
+            if (!in_ring(r->around, x, y, reach)) continue;
+            const uint8_t* around = surroundings_pixel(r, x, y);
             const uint8_t* under = destination_pixel(r, x, y);
             for (int c = 0; c < 3; c++)
                 sum[c] += gain[c] * (float)around[1 + c] - (float)under[1 + c];
@@ -136,9 +133,13 @@ static bool matches(const ring* r, int32_t reach, const float* gain) {
     for (int c = 0; c < 3; c++) {
         if (gain[c] < 0.7f || gain[c] > 1.4f) return false;
     }
+    const span_box* inner = &r->around->inner;
+    // Squares begin at the frames' corner.
+    const int64_t top = inner->top - (inner->top - r->frames->box.top) % PATCH;
+    const int64_t left = inner->left - (inner->left - r->frames->box.left) % PATCH;
     float sum = 0.0f, weight = 0.0f;
-    for (int64_t y = 0; y < r->frames->box.height; y += PATCH) {
-        for (int64_t x = 0; x < r->frames->box.width; x += PATCH) {
+    for (int64_t y = top; y < inner->bottom; y += PATCH) {
+        for (int64_t x = left; x < inner->right; x += PATCH) {
             int32_t pixels;
             const float mismatch = patch_mismatch(r, x, y, reach, gain, &pixels);
             if (pixels < FEWEST_PIXELS) continue;
@@ -170,32 +171,36 @@ static float fade(float part) {
     return part >= 1.0f ? 0.0f : 1.0f - part * part * (3.0f - 2.0f * part);
 }
 
-static void weigh_ring(const ring* r, int32_t reach, uint8_t* weight) {
-    const int64_t pixels = (int64_t)r->frames->box.width * r->frames->box.height;
-    const float far = (float)(STRAIGHT * reach), near = far / 3.0f;
-    for (int64_t i = 0; i < pixels; i++) {
-        const float from_object = fade(((float)r->around->to_object[i] - near) / (far - near));
-        const float to_end = fade(1.0f - (float)r->around->to_end[i] / (far - near));
-        weight[i] = (uint8_t)float_to_i32(255.0f * from_object * to_end + 0.5f);
+// The fades towards the reach and towards the end of the surroundings, by steps.
+static void set_fades(int32_t reach, surroundings* around) {
+    const float far = (float)(STEPS_STRAIGHT * reach), near = far / 3.0f;
+    for (int steps = 0; steps <= STEPS_NONE; steps++) {
+        around->object_fade[steps] = fade(((float)steps - near) / (far - near));
+        around->end_fade[steps] = fade(1.0f - (float)steps / (far - near));
     }
 }
 
 bool alloc_surroundings(const imageblend_layer* layer, const imageblend_frames* frames,
-                        surroundings* around) {
-    *around = surroundings{0, {1.0f, 1.0f, 1.0f}, NULL, NULL, NULL, NULL};
+                        const span_box* inner, surroundings* around) {
+    around->reach = 0;
+    around->to_object = NULL;
+    around->ratios = NULL;
     if (layer_reach(layer) == 0) return true;
-    const int64_t pixels = (int64_t)frames->box.width * frames->box.height;
-    around->to_object = (uint16_t*)alloc_plane(pixels, 2, sizeof(uint16_t));
+    around->inner = *inner;
+    // What is beyond the border may be near enough, too.
+    const span_box near = grow_span(inner, layer_reach(layer)), whole = span_of(&frames->box);
+    around->area = cut_span(&near, &whole);
+    const int64_t width = around->area.right - around->area.left;
+    const int64_t pixels = width * (around->area.bottom - around->area.top);
+    around->to_object = (int16_t*)alloc_plane(pixels, 2, sizeof(int16_t));
     around->ratios = (int32_t*)malloc(3 * RATIOS * sizeof(int32_t));
-    around->weight = (uint8_t*)alloc_plane(pixels, 1, 1);
     if (around->to_object != NULL) around->to_end = around->to_object + pixels;
-    if (around->to_object != NULL && around->ratios != NULL && around->weight != NULL) return true;
+    if (around->to_object != NULL && around->ratios != NULL) return true;
     free_surroundings(around);
     return false;
 }
 
 void free_surroundings(surroundings* around) {
-    free(around->weight);
     free(around->ratios);
     free(around->to_object);
 }
@@ -206,5 +211,5 @@ void find_surroundings(const imageblend_layer* layer, const imageblend_frames* f
     const ring r = {layer, frames, around};
     measure_ring(&r);
     choose_reach(&r, around);
-    if (around->reach > 0) weigh_ring(&r, around->reach, around->weight);
+    if (around->reach > 0) set_fades(around->reach, around);
 }

@@ -192,10 +192,10 @@ TEST(ShortMemory, FailsAndNothingIsWritten) {
     blend_image ring = around.record();
     laying.layer.surroundings = &ring;
     ASSERT_EQ(laying.box.width, 70);
-    expect_clean_failures(laying, &calls::lay, 3);
+    expect_clean_failures(laying, &calls::lay, 2);
     pasting.prepare_lay();
     pasting.layer.surroundings = &ring;
-    expect_clean_failures(pasting, &calls::paste, 4);
+    expect_clean_failures(pasting, &calls::paste, 3);
 }
 
 // Hashes of whole chains of calls, the same with every compiler and processor.
@@ -209,11 +209,11 @@ TEST(Results, HaveTheSameBytesOnEveryPlatform) {
     };
     const line table[] = {
         {"hard, fitted", 0, 0, false, 0, 0x1D0521FF50DF8A9DU, 0x704DA21C16EADB7CU},
-        {"hard, grown", 0, 2.5, false, 12, 0x45D275F90BBEBF40U, 0x30AA3E613FA7C63EU},
+        {"hard, grown", 0, 2.5, false, 12, 0x45D275F90BBEBF40U, 0x8B999FC6C8536E68U},
         {"outline", 1, 0, false, IMAGEBLEND_SURROUNDINGS_AUTO, 0xD4E45304725AFA7CU,
          0xD8F13087FFE661C3U},
         {"soft", 9, 0, false, 0, 0xAFCA067BC5AB695AU, 0x5201AFE44A03ADC6U},
-        {"photo with alpha", 9, -1, true, 5, 0x86BF142FEACFAD8AU, 0x41C7010187F6A235U},
+        {"photo with alpha", 9, -1, true, 5, 0x86BF142FEACFAD8AU, 0x562422E85AA93786U},
     };
     for (const line& l : table) {
         // Integers only, so that the inputs are the same everywhere.
