@@ -6,7 +6,7 @@ bool buffer_size(int64_t width, int64_t height, int64_t bytes, size_t* size) {
     if (__builtin_mul_overflow(width, height, &product)) return false;
     if (__builtin_mul_overflow(product, bytes, &product)) return false;
     *size = (size_t)product;
-    return product >= 0;
+    return product >= 0 && (uint64_t)product <= SIZE_MAX;
 }
 
 void* alloc_plane(int64_t width, int64_t height, int64_t bytes) {

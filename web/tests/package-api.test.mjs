@@ -296,6 +296,15 @@ test("addresses above 2 GiB", async () => {
     assert.ok(blender.blend({ x: 120, y: 90 }).data.byteOffset > 2 ** 31);
 });
 
+test("frames of more bytes than there are addresses are refused", async () => {
+    const core = await newCore(), width = 12_897_764;
+    // Nine bytes for each of 37 rows are 2^32 + 104.
+    const object = core.newImage(width, 1, 4), destination = core.newImage(width, 1, 4);
+    core.bytes.fill(255, object.data, object.data + 4 * width);
+    const layer = { object, surroundings: null, reach: 0, left: 0, top: 0 };
+    assert.throws(() => core.paste(layer, destination), failsWith("memory"));
+});
+
 test("a failure to load says so, and the next source is tried", async () => {
     await assert.rejects(init("file:///no/such/module.wasm"), failsWith("load"));
     await assert.rejects(init(new TextEncoder().encode("<!doctype html>")), failsWith("load"));
