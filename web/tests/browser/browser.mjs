@@ -9,6 +9,7 @@ import { join } from "node:path";
 import { fileURLToPath } from "node:url";
 import { assemble } from "../../playground/assemble.mjs";
 import { serve } from "../../playground/serve.mjs";
+import { difference } from "./files.mjs";
 
 const chromium = process.env.CHROMIUM ?? "/usr/bin/chromium";
 const fromHere = (path) => fileURLToPath(new URL(path, import.meta.url));
@@ -122,8 +123,15 @@ export async function middleOf(page, selector) {
     return { x: box.x + box.width / 2, y: box.y + box.height / 2 };
 }
 
-/** The pixels of a canvas of the page. */
-export async function canvasPixels(page, selector = "#result") {
+/** Waits until the page had the time to take over what its worker has drawn. */
+async function presented(page) {
+    const twoFrames = () =>
+        new Promise((done) => requestAnimationFrame(() => requestAnimationFrame(done)));
+    for (const place of [...page.workers(), page]) await place.evaluate(twoFrames);
+}
+
+async function readCanvas(page, selector) {
+    await presented(page);
     const { width, height, text } = await page.$eval(selector, (canvas) => {
         const { width, height } = canvas;
         const copy = new OffscreenCanvas(width, height).getContext("2d");
@@ -136,6 +144,15 @@ export async function canvasPixels(page, selector = "#result") {
         return { width, height, text };
     });
     return { width, height, data: new Uint8ClampedArray(Buffer.from(text, "base64")) };
+}
+
+/** The pixels of a canvas of the page, once they stay: a worker's frames come late. */
+export async function canvasPixels(page, selector = "#result") {
+    for (let last = await readCanvas(page, selector); ;) {
+        const next = await readCanvas(page, selector);
+        if (difference(next, last) === null) return next;
+        last = next;
+    }
 }
 
 /** Gives a file to one of the page's inputs. */
