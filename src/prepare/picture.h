@@ -4,18 +4,12 @@
 #define IMAGEBLEND_PREPARE_PICTURE_H
 
 #include "imageblend.h"
-#include "memory.h"
 
 // Whether the record can be read: no null, sides from 1 on, and no more colour pixels than a buffer
 // can have.
-static inline bool picture_is_valid(const blend_image* picture) {
-    size_t bytes;
-    return picture != NULL && picture->data != NULL && picture->width >= 1 &&
-           picture->height >= 1 && buffer_size(picture->width, picture->height, 4, &bytes);
-}
+bool picture_is_valid(const blend_image* picture);
 
-static inline bool has_size(const blend_image* picture, int32_t width, int32_t height) {
-    return picture_is_valid(picture) && picture->width == width && picture->height == height;
-}
+// The same for a picture of that size.
+bool has_size(const blend_image* picture, int32_t width, int32_t height);
 
 #endif
