@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cmath>
 
 #include "prepare/scenes.h"
 
@@ -13,9 +12,7 @@ using namespace prepare;
 
 // The object's pixel that lies over one of the destination's; null if none.
 const uint8_t* object_over(const random_layer& scene, int32_t x, int32_t y) {
-    const int32_t u = x - scene.left, v = y - scene.top;
-    if (u < 0 || v < 0 || u >= scene.object.width || v >= scene.object.height) return nullptr;
-    return scene.object.at(u, v);
+    return pixel_at(scene.object, x - scene.left, y - scene.top);
 }
 
 bool object_within(const random_layer& scene, int32_t x, int32_t y, int32_t reach) {
@@ -160,93 +157,6 @@ TEST(Paste, OfWhatCannotBeSeenChangesNothing) {
         EXPECT_EQ(reach, 0);
         EXPECT_EQ(made, before);
     }
-}
-
-// A disc on a ground, with the ground around it, before the same ground otherwise lit.
-struct ring_scene {
-    ring_scene(double light, bool same_ground)
-        : object(texture(160, 160, {{200, 60, 50}}, 20, 1)),
-          ground(texture(160, 160, {{110, 130, 90}}, 60, 2)),
-          destination(texture(160, 160, {{120, 100, 60}}, 60, 9)) {
-        const picture alpha = coverage(160, 160, disc(80, 80, 30));
-        for (size_t i = 0; i < alpha.data.size(); ++i) {
-            object.data[4 * i] = alpha.data[i];
-            ground.data[4 * i] = 255;
-            for (size_t c = 4 * i + 1; same_ground && c < 4 * i + 4; ++c)
-                destination.data[c] = static_cast<uint8_t>(ground.data[c] * light + 0.5);
-        }
-    }
-
-    // Returns the reach that was used.
-    int32_t paste(int32_t reach) {
-        made = destination;
-        blend_image record = object.record(), around = ground.record(), output = made.record();
-        const imageblend_layer layer = {&record, &around, reach, 0, 0};
-        int32_t used = -1;
-        EXPECT_EQ(imageblend_paste(&layer, &output, &used), 0);
-        return used;
-    }
-
-    picture object, ground, destination, made;
-};
-
-TEST(Surroundings, AreLitLikeTheDestinationAndEndAtTheirReach) {
-    ring_scene scene(0.8, true);
-    ASSERT_EQ(scene.paste(24), 24);
-    const shape object = disc(80, 80, 30);
-    for (int32_t y = 0; y < 160; ++y) {
-        for (int32_t x = 0; x < 160; ++x) {
-            const double away = -object(x + 0.5, y + 0.5);
-            if (away < 2) continue;
-            for (int c = 1; c <= 3; ++c)
-                ASSERT_NEAR(scene.made.at(x, y)[c], scene.destination.at(x, y)[c],
-                            away > 24 ? 0 : 5)
-                    << x << ", " << y;
-        }
-    }
-}
-
-// At the end of their reach they have faded, which an object at the other border does not change.
-TEST(Surroundings, FadeFromBorderToBorder) {
-    const int32_t width = 70, beyond = 40, reach = 52;
-    for (const bool mirrored : {false, true}) {
-        picture object = texture(width + 2 * beyond, 100, {{200, 60, 50}}, 20, 1);
-        picture around = texture(width + 2 * beyond, 100, {{110, 130, 90}}, 60, 2);
-        for (int32_t y = 0; y < object.height; ++y) {
-            for (int32_t x = 0; x < object.width; ++x) {
-                const int32_t from_border = (mirrored ? object.width - 1 - x : x) - beyond;
-                *object.at(x, y) = from_border >= 0 && from_border < 8 ? 255 : 0;
-                *around.at(x, y) = 255;
-            }
-        }
-        const picture destination = texture(width, 20, {{120, 100, 60}}, 60, 9);
-        picture made = destination;
-        blend_image record = object.record(), ring = around.record(), output = made.record();
-        const imageblend_layer layer = {&record, &ring, reach, -beyond, -beyond};
-        ASSERT_EQ(imageblend_paste(&layer, &output, nullptr), 0);
-        int32_t sum = 0, pixels = 0;
-        for (int32_t y = 0; y < made.height; ++y) {
-            for (int32_t far = 8 + reach - 5; far < 8 + reach; ++far, ++pixels) {
-                const int32_t x = mirrored ? width - 1 - far : far;
-                sum += std::abs(made.at(x, y)[1] - destination.at(x, y)[1]);
-            }
-        }
-        EXPECT_LT(sum, 5 * pixels) << mirrored;
-    }
-}
-
-TEST(Surroundings, ComeAlongOnTheirOwnWhereTheyMatch) {
-    EXPECT_GT(ring_scene(0.85, true).paste(IMAGEBLEND_SURROUNDINGS_AUTO), 0);
-    EXPECT_EQ(ring_scene(0.4, true).paste(IMAGEBLEND_SURROUNDINGS_AUTO), 0);
-    ring_scene other(1, false);
-    EXPECT_EQ(other.paste(IMAGEBLEND_SURROUNDINGS_AUTO), 0);
-    const picture without = other.made;
-    EXPECT_EQ(other.paste(0), 0);
-    for (size_t i = 0; i < without.data.size(); ++i)
-        ASSERT_NEAR(other.made.data[i], without.data[i], 2);
-    // Asked for, they come: nearest to the object they are the source's.
-    EXPECT_EQ(other.paste(18), 18);
-    EXPECT_FALSE(other.made == without);
 }
 
 }  // namespace

@@ -24,6 +24,10 @@ const uint8_t* picture::at(int32_t x, int32_t y) const {
     return data.data() + (static_cast<int64_t>(y) * width + x) * pixel_bytes;
 }
 
+const uint8_t* pixel_at(const picture& of, int32_t x, int32_t y) {
+    return x >= 0 && y >= 0 && x < of.width && y < of.height ? of.at(x, y) : nullptr;
+}
+
 uint8_t* picture::at(int32_t x, int32_t y) {
     return data.data() + (static_cast<int64_t>(y) * width + x) * pixel_bytes;
 }

@@ -27,6 +27,9 @@ struct picture {
     std::vector<uint8_t> data;
 };
 
+// Null beyond the picture.
+const uint8_t* pixel_at(const picture& of, int32_t x, int32_t y);
+
 struct rgb {
     int32_t channel[3];
 };
