@@ -52,6 +52,8 @@ vips copy p3.png 'bare.jpg[Q=100,strip]'
     segment '\xe1' exif && segment '\xe1' xmp && segment '\xed' iptc && segment '\xe2' icc
     tail -c +3 bare.jpg
 } >photo.jpg
+# The photo with the data in `exif` alone.
+with_exif() { head -c 2 bare.jpg && segment '\xe1' exif && tail -c +3 bare.jpg; }
 # number ORDER BYTES VALUE: as TIFF data hold it, the last byte first where ORDER is II
 number() {
     local place places
@@ -74,11 +76,7 @@ for order in MM II; do
         entry $order 0x202 4 1 && number $order 4 "$(stat -c %s dot.jpg)" && number $order 4 0
         cat dot.jpg
     } >exif
-    {
-        head -c 2 bare.jpg
-        segment '\xe1' exif
-        tail -c +3 bare.jpg
-    } >turned$order.jpg
+    with_exif >turned$order.jpg
 done
 mv turnedMM.jpg turned.jpg
 
@@ -112,11 +110,7 @@ photos() {
         has $photo jpeg-thumbnail-data
         run 0 blend cut.png $photo o.v
         field o.v exif-data | base64 -d >exif
-        {
-            head -c 2 bare.jpg
-            segment '\xe1' exif
-            tail -c +3 bare.jpg
-        } >again.jpg
+        with_exif >again.jpg
         has again.jpg exif-ifd0-Artist
         [ -z "$(field again.jpg jpeg-thumbnail-data)" ] || fail "an old thumbnail of $photo in o.v"
     done
