@@ -42,18 +42,17 @@ export class History {
     }
 
     undo() {
-        if (!this.canUndo) return this.present;
-        this.future.push(this.present);
-        this.present = this.past.pop();
-        this.kind = null;
-        return this.present;
+        this.#step(this.past, this.future);
     }
 
     redo() {
-        if (!this.canRedo) return this.present;
-        this.past.push(this.present);
-        this.present = this.future.pop();
+        this.#step(this.future, this.past);
+    }
+
+    #step(from, to) {
+        if (!from.length) return;
+        to.push(this.present);
+        this.present = from.pop();
         this.kind = null;
-        return this.present;
     }
 }

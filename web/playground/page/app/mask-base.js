@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // What an object's mask is already, as a canvas to paint on.
 
-import { decode, isOpaque, pixelsOf, scratchCanvas } from "../engine/pictures.js";
+import { isOpaque, pixelsOfFile, scratchCanvas } from "../engine/pictures.js";
 
 const COLOUR = [255, 0, 68];
 
@@ -10,15 +10,6 @@ function maskOf(pixels, ofPicture) {
     const opaque = isOpaque(pixels);
     if (opaque && ofPicture) return null;
     return (at) => pixels.data[at * 4 + (opaque ? 1 : 3)];
-}
-
-async function pixelsOfFile(file, width, height) {
-    const bitmap = await decode(file);
-    try {
-        return pixelsOf(bitmap, width, height);
-    } finally {
-        bitmap.close();
-    }
 }
 
 /** A canvas of that size with the mask of { file, mask } as alpha; null when there is none. */

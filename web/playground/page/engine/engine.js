@@ -7,8 +7,8 @@
 // file, or { data, width, height } with one byte a pixel.
 
 import { Blender } from "../imageblend/index.js";
-import { PictureError, decode, isOpaque, pixelsOf, scaleWithin, scaledSide, scratchCanvas,
-    thumbnail } from "./pictures.js";
+import { PictureError, decode, isOpaque, pixelsOf, pixelsOfFile, scaleWithin, scaledSide,
+    scratchCanvas, thumbnail } from "./pictures.js";
 
 /** Pictures above this are scaled for the preview. */
 export const PREVIEW_PIXELS = 12e6;
@@ -30,14 +30,7 @@ async function load(file, most) {
 
 /** A mask for a picture of that size: a picture from a file, or what was painted, scaled. */
 async function loadMask(mask, width, height) {
-    if (mask instanceof Blob) {
-        const bitmap = await decode(mask);
-        try {
-            return pixelsOf(bitmap, width, height);
-        } finally {
-            bitmap.close();
-        }
-    }
+    if (mask instanceof Blob) return pixelsOfFile(mask, width, height);
     if (mask.width === width && mask.height === height) return mask;
     const image = new ImageData(mask.width, mask.height);
     mask.data.forEach((value, at) => (image.data[at * 4 + 3] = value));

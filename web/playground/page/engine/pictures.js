@@ -49,6 +49,16 @@ export function pixelsOf(drawable, width, height) {
     }
 }
 
+/** The pixels of a file, at that size. Errors "unreadable" and "too-large". */
+export async function pixelsOfFile(file, width, height) {
+    const bitmap = await decode(file);
+    try {
+        return pixelsOf(bitmap, width, height);
+    } finally {
+        bitmap.close();
+    }
+}
+
 /** Whether every pixel is opaque. */
 export function isOpaque({ data }) {
     for (let at = 3; at < data.length; at += 4) if (data[at] !== 255) return false;
